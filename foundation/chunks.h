@@ -1,0 +1,69 @@
+// foundation/chunks.h: arrays that grow by chunks of one size and never move an item.
+//
+// An array is its first chunk; the chunks behind it are owned by it. Items that pointers lead to
+// are not owned. Any index from 0 is valid: reading past the end adds chunks of null items.
+#ifndef FOUNDATION_CHUNKS_H
+#define FOUNDATION_CHUNKS_H
+
+#include <vector>
+
+template <class Item>
+class ChunkArray {
+ public:
+  // A chunk of `size` (from 1) null items, the first of which has the global index `base`.
+  explicit ChunkArray(int size, int base = 0) : items(new Item[size]()), size_(size), base(base) {}
+  ~ChunkArray() {
+    delete[] items;
+    for (ChunkArray* chunk = next; chunk != nullptr;) {
+      ChunkArray* behind = chunk->next;
+      chunk->next = nullptr;
+      delete chunk;
+      chunk = behind;
+    }
+  }
+  ChunkArray(const ChunkArray&) = delete;
+  ChunkArray& operator=(const ChunkArray&) = delete;
+
+  // The item at `i` (from 0, counted from this chunk). Constant time; adds chunks where `i` lies
+  // behind the last. Throws bad_alloc with the array as it was or longer.
+  Item& operator[](int i) {
+    const size_t rank = static_cast<size_t>(i / size_);
+    while (directory_.size() < rank) {
+      ChunkArray* last = directory_.empty() ? this : directory_.back();
+      directory_.reserve(directory_.size() + 1);
+      if (last->next == nullptr) last->grow();
+      directory_.push_back(last->next);
+    }
+    ChunkArray* chunk = rank == 0 ? this : directory_[rank - 1];
+    const int place = i % size_;
+    if (place > chunk->last_used) chunk->last_used = place;
+    return chunk->items[place];
+  }
+
+  // One more than the highest index used, counted from this chunk.
+  int size() const {
+    int before = 0;
+    const ChunkArray* chunk = this;
+    while (chunk->last_used == chunk->size_ - 1 && chunk->next != nullptr) {
+      before += chunk->size_;
+      chunk = chunk->next;
+    }
+    return before + chunk->last_used + 1;
+  }
+
+  Item* items;                 // `size_` of them
+  int size_;                   // of this chunk
+  ChunkArray* next = nullptr;  // owned
+  int last_used = -1;          // highest index of this chunk that was read or written
+  int base;                    // global index of items[0]
+
+ private:
+  void grow() {
+    next = new ChunkArray(size_, base + size_);
+    last_used = size_ - 1;
+  }
+
+  std::vector<ChunkArray*> directory_;  // the chunks behind this one, as far as they were asked for
+};
+
+#endif

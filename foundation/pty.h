@@ -1,0 +1,83 @@
+// foundation/pty.h: output streams that break lines at a width and indent them.
+//
+// Text is written in pieces. A piece is never split; one that would make the line reach the width
+// is moved to a new line, which then starts in column 0. Columns and widths count bytes. Each end
+// of a line flushes. Write errors are kept by the file and reported once, by close.
+#ifndef FOUNDATION_PTY_H
+#define FOUNDATION_PTY_H
+
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+#include "foundation/text.h"
+
+class TmpPtyStream;
+
+class PtyStream {
+ public:
+  // `tab` is the unit of indentation; null stands for three blanks. It is copied.
+  // By name: "stdout" and "stderr" stand for those streams; any other file is created or truncated,
+  // and the process exits with status 1 if it cannot be opened. `name` is borrowed for the stream's
+  // life.
+  PtyStream(const char* name, int width, const char* tab);
+  // Takes `f`, unless it is stdout or stderr.
+  PtyStream(FILE* f, int width, const char* tab);
+  // On standard output.
+  PtyStream(int width, const char* tab);
+  // Flushes, and closes the file unless it is stdout or stderr.
+  ~PtyStream();
+  PtyStream(const PtyStream&) = delete;
+  PtyStream& operator=(const PtyStream&) = delete;
+
+  // Shared streams of width 80, made at first use and never deleted.
+  static PtyStream* of_stdout();
+  static PtyStream* of_stderr();
+
+  void tab() { ++tab_depth; }
+  // Warns on standard error at depth 0, and stays there.
+  void untab();
+  void cr();  // ends the line and indents the next
+  void lf();  // ends the line without indentation
+
+  // Writes a formatted text: each "\n" in it ends the line as cr does, each "\f" as lf, and what
+  // stands between them are pieces.
+  void put(const char* format, ...) PRINTF_LIKE(2, 3);
+  void vput(const char* format, va_list args) PRINTF_LIKE(2, 0);
+  // The same for a text as it stands; no format is read.
+  void put_text(const char* text);
+  void put(int n);
+  void put(float x);
+  // Copies what was written to `t` so far; its lines are indented at this stream's depth.
+  void put(TmpPtyStream* t);
+  void flush();
+
+  // Flushes and closes as the destructor does, which then does nothing. Returns 0, or the errno of
+  // the first write that failed, so that a text that did not arrive whole is never taken for done.
+  int close();
+
+  FILE* file;        // null after close
+  const char* name;  // null unless made by name
+  std::string tab_string;
+  int tab_depth = 0;
+  int column = 0;
+  int width;
+
+  static PtyStream* _of_stdout;
+  static PtyStream* _of_stderr;
+
+ private:
+  void end_line();
+  void piece(const char* text, size_t length);
+
+  int write_error_ = 0;  // errno of the first failed write
+};
+
+// The same stream over an anonymous temporary file, which vanishes with it. The process exits with
+// status 1 if none can be opened.
+class TmpPtyStream : public PtyStream {
+ public:
+  TmpPtyStream(int width, const char* tab);
+};
+
+#endif

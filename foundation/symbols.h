@@ -1,0 +1,104 @@
+// foundation/symbols.h: names, interned once and from then on handled as numbers.
+//
+// A symbol number counts from 1 in order of first insertion; 0 means "none". A table only grows:
+// numbers and texts stay valid until it is deleted. A name is given as a printf format with its
+// arguments, and is the formatted text; a text that comes from a user or a file is an argument of
+// "%s" or goes through add_text and find_text, which read no format. Names of any length work.
+// Throws bad_alloc at most.
+#ifndef FOUNDATION_SYMBOLS_H
+#define FOUNDATION_SYMBOLS_H
+
+#include <cstdarg>
+#include <cstdio>
+
+#include "foundation/chunks.h"
+#include "foundation/text.h"
+
+// One page of string storage. A string that no ordinary page can hold gets a longer page of its
+// own.
+struct STapePage {
+  STapePage* next;    // the page filled before this one
+  char chars[16384];  // 16380 of them are counted as room
+};
+
+struct STapeHashItem {
+  char* str;            // in a page, which owns the characters
+  int number;           // from 1, in order of insertion
+  STapeHashItem* next;  // of the same bucket; owned by the tape
+};
+
+// Stores the characters of every distinct string in pages and finds them through chained buckets.
+class StringTape {
+ public:
+  StringTape() = default;
+  ~StringTape();
+  StringTape(const StringTape&) = delete;
+  StringTape& operator=(const StringTape&) = delete;
+
+  // Prepares a fresh tape with `size` (from 1) buckets. To be called once, before anything else.
+  void init(int size);
+  // The bucket of `s`, from 0.
+  int hash_code(const char* s) const;
+  // The item of `s`, inserted if it is new. Never null; borrowed from the tape.
+  STapeHashItem* internal_add(const char* s);
+  // The item of `s`, or null.
+  STapeHashItem* internal_find(const char* s);
+
+  STapeHashItem** hash_table = nullptr;  // `hash_size` heads of chains, newest item first
+  int hash_size = 0;
+  int nb_strings = 0;  // also the number of the last string
+  int occupied = 0;    // buckets that are not empty
+  int coll_max = 0;    // a statistic of collisions, which steers nothing
+  STapePage* current_page = nullptr;
+  int page_room = 0;            // bytes counted as free in the current page
+  char* page_cursor = nullptr;  // where the next string goes
+
+ private:
+  STapeHashItem* search(const char* s, int bucket);
+  char* store(const char* s);
+};
+
+// Texts by number: entry i belongs to symbol i + 1. The texts live in the tape.
+using StringArray = ChunkArray<char*>;
+
+class SymbolTable {
+ public:
+  SymbolTable();
+  ~SymbolTable();
+  SymbolTable(const SymbolTable&) = delete;
+  SymbolTable& operator=(const SymbolTable&) = delete;
+
+  // The number of the formatted name, added if it is new.
+  int add(const char* format, ...) PRINTF_LIKE(2, 3);
+  int vadd(const char* format, va_list args) PRINTF_LIKE(2, 0);
+  // The number of the formatted name, or 0 if it is not in the table. Adds nothing.
+  int find(const char* format, ...) PRINTF_LIKE(2, 3);
+  // Interns the name and stores its number. Returns 1 if it was there before, 0 if this call added
+  // it.
+  int find_then_add(int* number, const char* format, ...) PRINTF_LIKE(3, 4);
+  // Stores the number of the name and returns 1; returns 0 with `*number` untouched if it is not
+  // there.
+  int find_then_get(int* number, const char* format, ...) PRINTF_LIKE(3, 4);
+
+  // add and find for a text as it stands; no format is read.
+  int add_text(const char* text);
+  int find_text(const char* text);
+
+  // The text of symbol `number`, borrowed from the table; "?" for a number that names nothing.
+  const char* name(int number) const;
+
+  // Prints one line a symbol on standard output, in order of numbers.
+  void print();
+  // iterate yields the texts of symbols 1, 2, ... and then null, again and again.
+  void init_iterate();
+  char* iterate();
+  void print_statistics(FILE* stream);
+
+  int nb_symbols = 0;  // also the highest number in use
+  int iter_index = 0;
+  StringTape* tape;       // owned
+  int chunk_size = 1000;  // of `names`
+  StringArray* names;     // owned
+};
+
+#endif

@@ -1,0 +1,32 @@
+// foundation/text.h: formatting and reading of plain text, the same under every locale and at any
+// length.
+#ifndef FOUNDATION_TEXT_H
+#define FOUNDATION_TEXT_H
+
+#include <cstdarg>
+#include <string>
+
+// Lets the compiler check the arguments of a printf-style operation. Both numbers count from 1, and
+// a member's `this` counts.
+#define PRINTF_LIKE(format, first_argument) __attribute__((format(printf, format, first_argument)))
+
+// The whole formatted text, however long. Leaves `args` undefined, as vprintf does.
+std::string format_text(const char* format, va_list args) PRINTF_LIKE(1, 0);
+
+// The name that a user's `text` stands for where names are formats: "%%" gives "%", and any other
+// "%" stays as it is written. No argument is ever read, so any text is harmless.
+std::string formatted_name(const char* text);
+
+// strtol in base 10, cut to int. `end`, where not null, receives the first character not read.
+int read_int(const char* text, const char** end = nullptr);
+
+// strtod and strtof with a decimal point whatever the locale.
+double read_double(const char* text);
+float read_float(const char* text);
+
+// Character classes of plain ASCII; `c` is any int, -1 included.
+bool is_blank(int c);   // blank, tab, newline, carriage return, vertical tab, form feed
+bool is_digit(int c);   // 0-9
+bool is_letter(int c);  // A-Z, a-z
+
+#endif
