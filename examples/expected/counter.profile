@@ -1,0 +1,1 @@
+counter bool : int

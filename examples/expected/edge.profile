@@ -1,0 +1,1 @@
+edge bool : bool bool bool bool

@@ -1,0 +1,1 @@
+filter real bool bool : real real int int bool bool

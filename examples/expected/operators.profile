@@ -1,0 +1,1 @@
+operators bool bool bool int int int real real real color token bool bool real real int : bool bool bool bool bool bool bool bool bool bool bool bool bool bool bool bool bool int int int int int int int int real real real real real int int real int real real int int int int int real

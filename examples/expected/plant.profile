@@ -1,0 +1,1 @@
+plant bool bool bool bool bool bool bool bool int real real real real real real real real real real real real real bool bool bool bool bool bool bool bool bool bool bool bool bool bool bool int : bool bool bool bool bool bool real real bool bool real bool bool stage severity bool bool bool bool bool int int real int int stamp

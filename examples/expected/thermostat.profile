@@ -1,0 +1,1 @@
+thermostat bool real int bool bool : bool bool real real

@@ -1,0 +1,1 @@
+traffic bool bool bool bool : lamp lamp bool int

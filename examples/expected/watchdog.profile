@@ -1,0 +1,1 @@
+watchdog bool bool bool : bool int int
