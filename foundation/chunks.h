@@ -10,8 +10,9 @@
 template <class Item>
 class ChunkArray {
  public:
-  // A chunk of `size` (from 1) null items, the first of which has the global index `base`.
-  explicit ChunkArray(int size, int base = 0) : items(new Item[size]()), size_(size), base(base) {}
+  // A chunk of `size` (from 1) null items, the first of which has the global index `first`.
+  explicit ChunkArray(int size, int first = 0)
+      : items(new Item[size]()), size_(size), base(first) {}
   ~ChunkArray() {
     delete[] items;
     for (ChunkArray* chunk = next; chunk != nullptr;) {
@@ -30,7 +31,6 @@ class ChunkArray {
     const size_t rank = static_cast<size_t>(i / size_);
     while (directory_.size() < rank) {
       ChunkArray* last = directory_.empty() ? this : directory_.back();
-      directory_.reserve(directory_.size() + 1);
       if (last->next == nullptr) last->grow();
       directory_.push_back(last->next);
     }

@@ -54,7 +54,8 @@ class StringTape {
   char* page_cursor = nullptr;  // where the next string goes
 
  private:
-  STapeHashItem* search(const char* s, int bucket);
+  STapeHashItem* search(const char* s, int bucket, int* walked) const;
+  void note_vain_walk(int walked);
   char* store(const char* s);
 };
 
@@ -89,7 +90,7 @@ class SymbolTable {
 
   // Prints one line a symbol on standard output, in order of numbers.
   void print();
-  // iterate yields the texts of symbols 1, 2, ... and then null, again and again.
+  // iterate yields the texts of symbols 1, 2, ... and then null, as often as it is called.
   void init_iterate();
   char* iterate();
   void print_statistics(FILE* stream);

@@ -6,9 +6,9 @@
 #include <cstdarg>
 #include <string>
 
-// Lets the compiler check the arguments of a printf-style operation. Both numbers count from 1, and
-// a member's `this` counts.
-#define PRINTF_LIKE(format, first_argument) __attribute__((format(printf, format, first_argument)))
+// Lets the compiler check the arguments of a printf-style operation: the places of its format and
+// of the first argument (0 for a va_list), from 1, where a member's `this` counts.
+#define PRINTF_LIKE(text, arguments) __attribute__((format(printf, text, arguments)))
 
 // The whole formatted text, however long. Leaves `args` undefined, as vprintf does.
 std::string format_text(const char* format, va_list args) PRINTF_LIKE(1, 0);

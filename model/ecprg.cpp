@@ -1,0 +1,323 @@
+#include "model/ecprg.h"
+
+#include <cstdio>
+#include <cstring>
+#include <unordered_set>
+
+// Whatever can throw stands before the first change, in every operation below.
+
+void EcPrg::EcPrgInit(SymbolTable* table) {
+  symbols = table;
+  infos = new SymbolInfoArray(200, 0);
+  bool_type = define_named_type(symbols->add("bool"));
+  int_type = define_named_type(symbols->add("int"));
+  real_type = define_named_type(symbols->add("real"));
+  true_clock = symbols->add("true");
+  true_exp = get_bool_const(true_clock);
+  false_exp = get_bool_const(symbols->add("false"));
+  bottom_exp = get_bool_const(symbols->add("bottom"));
+  nil_exp = get_bool_const(symbols->add("nil"));
+}
+
+// --- Records.
+
+// Makes `record` what `symbol` stands for.
+void EcPrg::install(int symbol, std::unique_ptr<SymbolInfo> record) {
+  SymbolInfo*& slot = (*infos)[symbol];
+  replaced_.make_room();
+  if (slot != nullptr) replaced_.enter(slot);
+  slot = record.release();
+}
+
+// Gives `symbol` an identifier's record and the leaf that stands for it.
+IdentInfo* EcPrg::declare(IdentMode mode, ExpNature leaf, int symbol, EcType* type, int clock) {
+  auto record = std::make_unique<IdentInfo>(mode, symbol, type, clock);
+  auto node = std::make_unique<Exp>(leaf, symbol, type, clock);
+  IdentInfo* ident = record.get();
+  info_heap.make_room();
+  exp_heap.make_room();
+  install(symbol, std::move(record));
+  info_heap.enter(ident);
+  ident->ident_exp = exp_heap.enter(node.release());
+  if (leaf != ECREF_n) ident->definition = ident->ident_exp;
+  return ident;
+}
+
+static std::vector<int> values_of(const IntList* list) {
+  std::vector<int> values;
+  for (; list != nullptr; list = list->next) values.push_back(list->value);
+  return values;
+}
+
+static IntList* new_cell(int value) { return new IntList(&value, 1); }
+
+void EcPrg::add_input(int symbol, EcType* type, int clock) {
+  std::unique_ptr<IntList> cell(new_cell(symbol));
+  declare(INPUT_mode, INPUT_n, symbol, type, clock)->order = nb_inputs++;
+  inputs = append(inputs, cell.release());
+}
+
+void EcPrg::add_output(int symbol, EcType* type, int clock, int at_front) {
+  std::unique_ptr<IntList> cell(new_cell(symbol));
+  declare(OUTPUT_mode, ECREF_n, symbol, type, clock)->order = nb_outputs++;
+  outputs = at_front ? append(cell.release(), outputs) : append(outputs, cell.release());
+}
+
+void EcPrg::add_local(int symbol, EcType* type, int clock) {
+  std::unique_ptr<IntList> cell(new_cell(symbol));
+  declare(LOCAL_mode, ECREF_n, symbol, type, clock)->order = nb_locals++;
+  locals = append(locals, cell.release());
+}
+
+void EcPrg::add_usr_const(int symbol, EcType* type, int clock) {
+  std::unique_ptr<IntList> cell(new_cell(symbol));
+  std::unique_ptr<IntList> type_cell(type != nullptr ? new_cell(symbol) : nullptr);
+  declare(USR_CONST_mode, CONST_n, symbol, type, clock)->value = nb_constants++;
+  constants = append(constants, cell.release());
+  if (type != nullptr) type->constants = append(type->constants, type_cell.release());
+}
+
+void EcPrg::add_enum_const(int symbol, EcType* type, int clock, int rank) {
+  std::unique_ptr<IntList> cell(new_cell(symbol));
+  IdentInfo* ident = declare(ENUM_CONST_mode, CONST_n, symbol, type, clock);
+  ident->order = rank;
+  ident->value = nb_constants++;
+  constants = append(constants, cell.release());
+  if (type != nullptr && rank >= 0 && rank < type->nb_enum) type->enum_consts[rank] = ident;
+}
+
+void EcPrg::add_usr_func(int symbol, EcType* param_type, EcType* result_type, IntList* params,
+                         IntList* results) {
+  std::unique_ptr<IntList> held_params(params);
+  std::unique_ptr<IntList> held_results(results);
+  std::unique_ptr<IntList> cell(new_cell(symbol));
+  auto record = std::make_unique<FuncInfo>(symbol, param_type, result_type, held_params.release(),
+                                           held_results.release());
+  FuncInfo* function = record.get();
+  install(symbol, std::move(record));
+  if (function->tuple_result) {
+    function->index = nb_tuple_functions++;
+    tuple_functions = append(tuple_functions, cell.release());
+  } else {
+    function->index = nb_functions++;
+    functions = append(functions, cell.release());
+  }
+}
+
+Exp* EcPrg::constant(int symbol, IdentMode mode, EcType* type) {
+  if (IdentInfo* known = ident(symbol)) return known->ident_exp;
+  IdentInfo* literal = declare(mode, CONST_n, symbol, type, true_clock);
+  const char* text = symbols->name(symbol);
+  if (mode == INT_CONST_mode) literal->value = read_int(text);
+  if (mode == REAL_CONST_mode) {
+    // Single precision is enough here: what is printed is the text.
+    const float value = read_float(text);
+    static_assert(sizeof value == sizeof literal->value, "an int keeps the bits of a float");
+    std::memcpy(&literal->value, &value, sizeof value);
+  }
+  return literal->ident_exp;
+}
+
+Exp* EcPrg::get_bool_const(int symbol) { return constant(symbol, BOOL_CONST_mode, bool_type); }
+Exp* EcPrg::get_int_const(int symbol) { return constant(symbol, INT_CONST_mode, int_type); }
+Exp* EcPrg::get_real_const(int symbol) { return constant(symbol, REAL_CONST_mode, real_type); }
+
+IdentInfo* EcPrg::ident(int symbol) {
+  SymbolInfo* record = symbol > 0 ? (*infos)[symbol] : nullptr;
+  return record != nullptr ? record->is_ident() : nullptr;
+}
+
+FuncInfo* EcPrg::function(int symbol) {
+  SymbolInfo* record = symbol > 0 ? (*infos)[symbol] : nullptr;
+  return record != nullptr ? record->is_function() : nullptr;
+}
+
+IdentInfo* EcPrg::declared_ident(int symbol) {
+  IdentInfo* record = ident(symbol);
+  if (record != nullptr && record->ident_exp != nullptr) return record;
+  error("undeclared ident '%s'", symbols->name(symbol));
+  return nullptr;
+}
+
+// --- Equations and assertions.
+
+Exp* EcPrg::enter(Exp* e) {
+  std::unique_ptr<Exp> node(e);
+  if (e == nullptr) return nullptr;
+  exp_heap.make_room();
+  return exp_heap.enter(node.release());
+}
+
+// What an equation or assertion says of its right side. A leaf is shared with every other use of
+// its name and keeps what its declaration says.
+static void set_type_and_clock(Exp* e, EcType* type, int clock) {
+  if (e->nb_args == 0) return;
+  e->type = type;
+  e->clock = clock;
+}
+
+IdentInfo* EcPrg::define_ident(int symbol, Exp* e) {
+  IdentInfo* record = declared_ident(symbol);
+  if (record == nullptr || e == nullptr) return nullptr;
+  if (record->definition != nullptr) error("ident '%s' is already defined", symbols->name(symbol));
+  if (record->tuple_names != nullptr) return nullptr;
+  record->definition = e;
+  set_type_and_clock(e, record->type, record->clock);
+  return record;
+}
+
+IdentInfo* EcPrg::define_tuple(IntList* names, Exp* e) {
+  std::unique_ptr<IntList> held(names);
+  std::unordered_set<int> seen;
+  std::vector<IdentInfo*> records;
+  for (const IntList* cell = names; cell != nullptr; cell = cell->next) {
+    IdentInfo* record = declared_ident(cell->value);
+    if (record == nullptr) return nullptr;
+    if (record->definition != nullptr || !seen.insert(cell->value).second) {
+      error("ident '%s' is already defined", symbols->name(cell->value));
+      return nullptr;
+    }
+    records.push_back(record);
+  }
+  if (e == nullptr || records.empty()) return nullptr;
+
+  exp_heap.make_room(records.size());
+  std::vector<std::unique_ptr<Exp>> projections;
+  for (IdentInfo* record : records) {
+    const int order = static_cast<int>(projections.size()) + 1;
+    projections.push_back(std::make_unique<Exp>(PROJ_n, e, order));
+    set_type_and_clock(projections.back().get(), record->type, record->clock);
+  }
+  tuple_names_.push_back(std::move(held));
+  for (size_t i = 0; i < records.size(); ++i) {
+    records[i]->definition = exp_heap.enter(projections[i].release());
+    records[i]->tuple_names = names;
+  }
+  return records.back();
+}
+
+void EcPrg::add_assertion(Exp* e) {
+  if (e == nullptr) return;
+  const int symbol = symbols->add("__assert_%d", nb_assertions);
+  std::unique_ptr<IntList> cell(new_cell(symbol));
+  auto record = std::make_unique<IdentInfo>(ASSERT_mode, symbol, bool_type, clock(e));
+  IdentInfo* assertion = record.get();
+  assertion->definition = e;
+  info_heap.make_room();
+  install(symbol, std::move(record));
+  info_heap.enter(assertion);
+  set_type_and_clock(e, bool_type, assertion->clock);
+  assertions = append(assertions, cell.release());
+  ++nb_assertions;
+}
+
+EcPrg::Mark EcPrg::mark() const {
+  return {exp_heap.size(), info_heap.size(), replaced_.size(), types};
+}
+
+void EcPrg::roll_back(const Mark& mark) {
+  exp_heap.cut_back(mark.expressions);
+  while (info_heap.size() > mark.records) {
+    IdentInfo* literal = info_heap.take_newest()->is_ident();
+    (*infos)[literal->name] = nullptr;
+    delete literal;
+  }
+  // What a literal has replaced can only be a function that is called like a number.
+  while (replaced_.size() > mark.replaced) {
+    FuncInfo* function = replaced_.take_newest()->is_function();
+    (*infos)[function->name] = function;
+  }
+  while (types != mark.types) {
+    EcType* type = types;
+    types = type->next;
+    type->next = nullptr;
+    tuple_types_.erase(values_of(type->members));
+    delete type;
+  }
+}
+
+// --- Types.
+
+EcType* EcPrg::add_type(EcType* type) {
+  type->next = types;
+  return types = type;
+}
+
+EcType* EcPrg::define_named_type(int symbol) {
+  EcType*& slot = named_types_[symbol];
+  if (slot != nullptr) {
+    error("type '%s' already declared", symbols->name(symbol));
+    return nullptr;
+  }
+  return slot = add_type(new EcType(symbol));
+}
+
+EcType* EcPrg::get_named_type(int symbol) {
+  const auto known = named_types_.find(symbol);
+  if (known != named_types_.end() && known->second != nullptr) return known->second;
+  error("EcPrg: type '%s' undeclared", symbols->name(symbol));
+  return nullptr;
+}
+
+EcType* EcPrg::define_type(IntList* names) {
+  if (names == nullptr) return define_type(nullptr, 0);
+  if (names->next == nullptr) return get_named_type(names->value);
+  EcType*& slot = tuple_types_[values_of(names)];
+  return slot != nullptr ? slot : slot = add_type(new EcType(names));
+}
+
+EcType* EcPrg::define_type(const int* names, int n) {
+  if (n < 1) {
+    error("EcPrg: a type needs a name");
+    return nullptr;
+  }
+  if (n == 1) return get_named_type(names[0]);
+  EcType*& slot = tuple_types_[std::vector<int>(names, names + n)];
+  if (slot != nullptr) return slot;
+  auto members = std::make_unique<IntList>(names, n);
+  slot = add_type(new EcType(members.get()));
+  members.release();
+  return slot;
+}
+
+void EcPrg::add_usr_type(int symbol) {
+  std::unique_ptr<IntList> cell(new_cell(symbol));
+  EcType* type = define_named_type(symbol);
+  if (type == nullptr) return;
+  user_types = append(user_types, cell.release());
+  type->number = ++nb_user_types;
+}
+
+void EcPrg::add_usr_type(int symbol, IntList* enum_names) {
+  const int known = nb_user_types;
+  add_usr_type(symbol);
+  if (nb_user_types == known) return;
+  EcType* type = types;
+  int rank = length(enum_names);
+  type->enum_consts.reset(new IdentInfo*[rank]());
+  type->nb_enum = rank;
+  for (const IntList* cell = enum_names; cell != nullptr; cell = cell->next)
+    add_enum_const(cell->value, type, true_clock, --rank);
+}
+
+const char* EcPrg::type_name(const EcType* type, const char* unnamed) const {
+  return type == nullptr || type->is_tuple ? unnamed : symbols->name(type->name);
+}
+
+// --- Messages.
+
+int EcPrg::error(const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(error_message, sizeof error_message, format, args);
+  va_end(args);
+  return 1;
+}
+
+int EcPrg::ierror(const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  std::vfprintf(stderr, format, args);
+  va_end(args);
+  return 0;
+}

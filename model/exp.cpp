@@ -1,0 +1,162 @@
+#include "model/exp.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "model/ecprg.h"
+
+// clang-format off
+const ExpKind ExpNatureKeys[EXP_NATURES] = {
+    {ERROR_n,    "",        "ERROR_n",    ExpForm::none,        ExpTyping::unexpected},
+    {CONST_n,    "",        "CONST_n",    ExpForm::leaf,        ExpTyping::unexpected},
+    {INPUT_n,    "",        "INPUT_n",    ExpForm::leaf,        ExpTyping::unexpected},
+    {ECREF_n,    "",        "ECREF_n",    ExpForm::leaf,        ExpTyping::unexpected},
+    {MODELREF_n, "",        "MODELREF_n", ExpForm::leaf,        ExpTyping::unexpected},
+    {PRE_n,      "pre",     "PRE_n",      ExpForm::prefix,      ExpTyping::first},
+    {CURRENT_n,  "current", "CURRENT_n",  ExpForm::prefix,      ExpTyping::first},
+    {NOT_n,      "not",     "NOT_n",      ExpForm::prefix,      ExpTyping::booleans},
+    {UMINUS_n,   "-",       "UMINUS_n",   ExpForm::prefix,      ExpTyping::number},
+    {INT2REAL_n, "real",    "INT2REAL_n", ExpForm::prefix,      ExpTyping::int_to_real},
+    {REAL2INT_n, "int",     "REAL2INT_n", ExpForm::prefix,      ExpTyping::real_to_int},
+    {LAST_n,     "last",    "LAST_n",     ExpForm::prefix,      ExpTyping::first},
+    {INIT_n,     "init",    "INIT_n",     ExpForm::prefix,      ExpTyping::booleans},
+    {ARROW_n,    "->",      "ARROW_n",    ExpForm::infix,       ExpTyping::alike},
+    {WHEN_n,     "when",    "WHEN_n",     ExpForm::infix,       ExpTyping::sampled},
+    {AND_n,      "and",     "AND_n",      ExpForm::infix,       ExpTyping::booleans},
+    {OR_n,       "or",      "OR_n",       ExpForm::infix,       ExpTyping::booleans},
+    {XOR_n,      "xor",     "XOR_n",      ExpForm::infix,       ExpTyping::booleans},
+    {IMPL_n,     "=>",      "IMPL_n",     ExpForm::infix,       ExpTyping::booleans},
+    {EQUAL_n,    "=",       "EQUAL_n",    ExpForm::infix,       ExpTyping::compared},
+    {NEQ_n,      "<>",      "NEQ_n",      ExpForm::infix,       ExpTyping::compared},
+    {GTE_n,      ">=",      "GTE_n",      ExpForm::infix,       ExpTyping::ordered},
+    {GT_n,       ">",       "GT_n",       ExpForm::infix,       ExpTyping::ordered},
+    {LTE_n,      "<=",      "LTE_n",      ExpForm::infix,       ExpTyping::ordered},
+    {LT_n,       "<",       "LT_n",       ExpForm::infix,       ExpTyping::ordered},
+    {DIV_n,      "div",     "DIV_n",      ExpForm::infix,       ExpTyping::integers},
+    {MOD_n,      "mod",     "MOD_n",      ExpForm::infix,       ExpTyping::integers},
+    {MINUS_n,    "-",       "MINUS_n",    ExpForm::infix,       ExpTyping::arithmetic},
+    {PLUS_n,     "+",       "PLUS_n",     ExpForm::infix,       ExpTyping::arithmetic},
+    {SLASH_n,    "/",       "SLASH_n",    ExpForm::infix,       ExpTyping::arithmetic},
+    {TIMES_n,    "*",       "TIMES_n",    ExpForm::infix,       ExpTyping::arithmetic},
+    {POWER_n,    "**",      "POWER_n",    ExpForm::infix,       ExpTyping::arithmetic},
+    {IF_n,       "",        "IF_n",       ExpForm::conditional, ExpTyping::conditional},
+    {TUPLE_n,    "",        "TUPLE_n",    ExpForm::list,        ExpTyping::tuple},
+    {NOR_n,      "nor",     "NOR_n",      ExpForm::list,        ExpTyping::booleans},
+    {DIESE_n,    "#",       "DIESE_n",    ExpForm::list,        ExpTyping::booleans},
+    {RCL_n,      "",        "RCL_n",      ExpForm::rational,    ExpTyping::not_supported},
+    {ICL_n,      "",        "ICL_n",      ExpForm::integer,     ExpTyping::not_supported},
+    {PROJ_n,     "",        "PROJ_n",     ExpForm::projection,  ExpTyping::not_supported},
+    {CALL_n,     "",        "CALL_n",     ExpForm::call,        ExpTyping::call},
+};
+// clang-format on
+
+const ExpKind* exp_kind(ExpNature nature) {
+  return static_cast<unsigned>(nature) < EXP_NATURES ? &ExpNatureKeys[nature] : nullptr;
+}
+
+const char* nodekey(ExpNature nature) {
+  const ExpKind* kind = exp_kind(nature);
+  return kind != nullptr ? kind->name : "?";
+}
+
+const char* opkey(ExpNature nature) {
+  const ExpKind* kind = exp_kind(nature);
+  return kind != nullptr ? kind->keyword : "";
+}
+
+int take_a_key() {
+  static int last_key = 0;
+  return ++last_key;
+}
+
+void ExpList::concat(ExpList* other) {
+  if (other == nullptr) return;
+  ExpList* cell = this;
+  for (;;) {
+    cell->length += other->length;
+    if (cell->next == nullptr) break;
+    cell = cell->next;
+  }
+  cell->next = other;
+}
+
+ExpList* reversed(ExpList* list) {
+  ExpList* done = nullptr;
+  while (list != nullptr) {
+    ExpList* rest = list->next;
+    list->next = done;
+    list->length = done != nullptr ? done->length + 1 : 1;
+    done = list;
+    list = rest;
+  }
+  return done;
+}
+
+Exp::Exp(ExpNature kind, int n, Exp** a) : nature(kind), nb_args(n), args(new Exp*[n]) {
+  std::copy_n(a, n, args.get());
+}
+
+Exp::Exp(ExpNature kind, Exp* a) : Exp(kind, 1, &a) {}
+
+Exp::Exp(ExpNature kind, Exp* a, int rank) : Exp(kind, 1, &a) { order = rank; }
+
+Exp::Exp(ExpNature kind, Exp* a, Exp* b) : nature(kind), nb_args(2), args(new Exp* [2] { a, b }) {}
+
+Exp::Exp(ExpNature kind, Exp* a, Exp* b, Exp* c)
+    : nature(kind), nb_args(3), args(new Exp* [3] { a, b, c }) {}
+
+Exp::Exp(ExpNature kind, ExpList* list)
+    : nature(kind), nb_args(list->length), args(new Exp*[list->length]) {
+  Exp** place = args.get();
+  for (const ExpList* cell = list; cell != nullptr; cell = cell->next) *place++ = cell->exp;
+}
+
+Exp::Exp(ExpNature kind, int n, Exp** a, Fract* coefficients, Fract k) : Exp(kind, n, a) {
+  coeffs.reset(new Fract[n]);
+  std::copy_n(coefficients, n, coeffs.get());
+  constant = k;
+}
+
+Exp::Exp(ExpNature kind, int n, Exp** a, int* coefficients, int k) : Exp(kind, n, a) {
+  ints.reset(new int[n]);
+  std::copy_n(coefficients, n, ints.get());
+  int_param = k;
+}
+
+Exp::Exp(ExpNature kind, int symbol, EcType* leaf_type, int leaf_clock)
+    : type(leaf_type), clock(leaf_clock), ident(symbol), nature(kind) {}
+
+Exp::Exp(ExpNature kind, int symbol, EcType* leaf_type) : Exp(kind, symbol, leaf_type, -1) {}
+
+int Exp::projection_order() {
+  if (nature == PROJ_n) return order;
+  return EcPrg::ierror("projection_order called on '%s' operator", nodekey(nature));
+}
+
+int Exp::function_ident() {
+  if (nature == CALL_n) return order;
+  return EcPrg::ierror("Exp::function_name called on '%s' operator", nodekey(nature));
+}
+
+// The cell of `key`, or the place where it belongs.
+static ExpInfo** place_of(ExpInfo** infos, int key) {
+  while (*infos != nullptr && (*infos)->key > key) infos = &(*infos)->next;
+  return infos;
+}
+
+void Exp::put_info(int info_key, void* value) {
+  ExpInfo** place = place_of(&infos, info_key);
+  if (*place != nullptr && (*place)->key == info_key)
+    (*place)->value = value;
+  else
+    *place = new ExpInfo{info_key, value, *place};
+}
+
+void* Exp::get_ptr_info(int info_key) {
+  const ExpInfo* info = *place_of(&infos, info_key);
+  return info != nullptr && info->key == info_key ? info->value : nullptr;
+}
+
+int Exp::get_int_info(int info_key) {
+  return static_cast<int>(reinterpret_cast<intptr_t>(get_ptr_info(info_key)));
+}

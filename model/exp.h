@@ -1,0 +1,204 @@
+// model/exp.h: expressions.
+//
+// A node has a kind, ordered operands and, once computed, a type and a clock. Nodes belong to the
+// heap of their program; a node borrows its operands, so that subtrees may be shared.
+#ifndef MODEL_EXP_H
+#define MODEL_EXP_H
+
+#include <memory>
+
+#include "foundation/fract.h"
+#include "model/heap.h"
+
+class EcType;
+class Exp;
+class PtyStream;
+class SymbolTable;
+
+enum ExpNature {
+  ERROR_n = 0,
+  CONST_n,
+  INPUT_n,
+  ECREF_n,
+  MODELREF_n,
+  PRE_n,
+  CURRENT_n,
+  NOT_n,
+  UMINUS_n,
+  INT2REAL_n,
+  REAL2INT_n,
+  LAST_n,
+  INIT_n,
+  ARROW_n,
+  WHEN_n,
+  AND_n,
+  OR_n,
+  XOR_n,
+  IMPL_n,
+  EQUAL_n,
+  NEQ_n,
+  GTE_n,
+  GT_n,
+  LTE_n,
+  LT_n,
+  DIV_n,
+  MOD_n,
+  MINUS_n,
+  PLUS_n,
+  SLASH_n,
+  TIMES_n,
+  POWER_n,
+  IF_n,
+  TUPLE_n,
+  NOR_n,
+  DIESE_n,
+  RCL_n,  // linear combination with rational coefficients
+  ICL_n,  // linear combination with integer coefficients
+  PROJ_n,
+  CALL_n,
+  EXP_NATURES  // how many there are
+};
+
+// How a kind is written.
+enum class ExpForm {
+  none,
+  leaf,         // a name
+  prefix,       // op(x)
+  infix,        // (x)op(y)
+  conditional,  // if (c) then (x) else (y)
+  list,         // op(x, y, ...)
+  rational,     // linear combinations
+  integer,
+  projection,  // proj(i)(x)
+  call,        // f(x, y, ...)
+};
+
+// How a kind is typed from the types t0, t1, t2 of its operands.
+enum class ExpTyping {
+  unexpected,   // never valid without a type of its own
+  first,        // t0
+  booleans,     // all bool: bool
+  number,       // int or real: t0
+  int_to_real,  // int: real
+  real_to_int,  // real: int
+  alike,        // t0 = t1: t0
+  sampled,      // t1 is bool: t0
+  compared,     // t0 = t1: bool
+  ordered,      // t0 = t1, int or real: bool
+  integers,     // both int: int
+  arithmetic,   // t0 = t1, int or real: t0
+  conditional,  // t0 is bool, t1 = t2: t1
+  tuple,        // named types: their tuple
+  call,         // t0 is what the function takes: its result
+  not_supported,
+};
+
+struct ExpKind {
+  ExpNature nature;
+  const char* keyword;  // empty for a kind without an operator
+  const char* name;
+  ExpForm form;
+  ExpTyping typing;
+};
+
+// The one table of kinds, by nature.
+extern const ExpKind ExpNatureKeys[EXP_NATURES];
+
+// The row of a nature; null for a number that is none.
+const ExpKind* exp_kind(ExpNature nature);
+// A kind's name and its operator's keyword; "?" and the empty text for a number that is no nature.
+const char* nodekey(ExpNature nature);
+const char* opkey(ExpNature nature);
+
+// A fresh key for annotations, from 1, process-wide. A newer key is always larger.
+int take_a_key();
+
+// One annotation. The annotations of a node are kept in decreasing order of keys.
+struct ExpInfo {
+  int key;
+  void* value;
+  ExpInfo* next;  // owned by the node
+};
+
+// A list of operands, from its first cell. It owns its cells and borrows the expressions.
+class ExpList {
+ public:
+  // Takes `rest`, the cells behind this one.
+  explicit ExpList(Exp* operand, ExpList* rest = nullptr)
+      : length(rest != nullptr ? rest->length + 1 : 1), exp(operand), next(rest) {}
+  // Deletes the cells behind this one.
+  ~ExpList();
+  ExpList(const ExpList&) = delete;
+  ExpList& operator=(const ExpList&) = delete;
+
+  // Takes `other`, which may be null, and links it at the end. Linear in this list's length.
+  void concat(ExpList* other);
+
+  int length;  // cells from this one to the end
+  Exp* exp;
+  ExpList* next;  // owned
+};
+
+// Takes a list, which may be null, and hands over the same cells in the opposite order. Linear, so
+// a list grown at its front and reversed once costs less than one that grows by concat.
+ExpList* reversed(ExpList* list);
+
+class Exp {
+ public:
+  Exp(ExpNature kind, Exp* a);
+  // `rank`: of a projection the member, from 1; of a call the function's symbol.
+  Exp(ExpNature kind, Exp* a, int rank);
+  Exp(ExpNature kind, Exp* a, Exp* b);
+  Exp(ExpNature kind, Exp* a, Exp* b, Exp* c);
+  // Operands in the order of `list`, which is borrowed and not null.
+  Exp(ExpNature kind, ExpList* list);
+  // The `n` (from 0) operands of the array `a`, which is copied, as are the coefficients of a
+  // linear combination; `k` is its constant.
+  Exp(ExpNature kind, int n, Exp** a);
+  Exp(ExpNature kind, int n, Exp** a, Fract* coefficients, Fract k);
+  Exp(ExpNature kind, int n, Exp** a, int* coefficients, int k);
+  // Leaves.
+  Exp(ExpNature kind, int symbol, EcType* leaf_type, int leaf_clock);
+  Exp(ExpNature kind, int symbol, EcType* leaf_type);
+  ~Exp();
+  Exp(const Exp&) = delete;
+  Exp& operator=(const Exp&) = delete;
+
+  // Which member (from 1) a projection takes, and the symbol of the function that a call calls. On
+  // any other node they report misuse and answer 0.
+  int projection_order();
+  int function_ident();
+
+  // Annotations by key. A missing one reads as null or 0.
+  void put_info(int info_key, void* value);
+  void* get_ptr_info(int info_key);
+  int get_int_info(int info_key);
+
+  // Print the expression; defined with the writers. `print` and `Iprint` write the name of a named
+  // node, and any other by its structure; the `_def` forms write the node itself by its structure
+  // always. The forms with I, meant for print_exp, cut cycles and write "WARNING : RECURSION "
+  // there.
+  void print(PtyStream* out, SymbolTable* symbols);
+  void print_def(PtyStream* out, SymbolTable* symbols);
+  void Iprint(PtyStream* out, SymbolTable* symbols);
+  void Iprint_def(PtyStream* out, SymbolTable* symbols);
+
+  EcType* type = nullptr;    // null until known
+  int clock = -1;            // symbol of its clock; -1 until known
+  int key = 0;               // for users of the model to number nodes
+  ExpInfo* infos = nullptr;  // owned
+  int reserved = 0;          // nothing reads it
+  int ident = 0;             // symbol of a leaf
+  ExpNature nature;
+  int nb_args = 0;
+  std::unique_ptr<Exp*[]> args;     // `nb_args` operands; the nodes are the program's
+  int order = 0;                    // see the constructor
+  std::unique_ptr<int[]> ints;      // one coefficient an operand, or null
+  int int_param = 0;                // the constant that goes with `ints`
+  std::unique_ptr<Fract[]> coeffs;  // one coefficient an operand, or null
+  Fract constant = Fract(0);        // the constant that goes with `coeffs`
+};
+
+using ExpHeap = Heap<Exp>;
+
+#endif

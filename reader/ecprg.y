@@ -1,0 +1,325 @@
+/* The grammar of EC text: whole files and stand-alone expressions.
+
+   The actions are the functions of reader/actions.h. An expression that could not be built is null, and so
+   is what encloses it. Names and numbers are interned by a rule that has the token alone on its right side:
+   such a rule is reduced without a look at the next token, while ecprg_lval still holds the text. */
+
+%define api.prefix {ecprg_}
+%define api.value.type {EcValue}
+
+%code requires {
+#include "reader/reader.h"
+}
+
+%code top {
+/* The stacks start with 200 entries and grow to 10,000; what nests deeper is refused. */
+#define YYINITDEPTH 200
+#define YYMAXDEPTH 10000
+}
+
+%code {
+#include <algorithm>
+
+#include "reader/actions.h"
+
+/* When the stacks grow, values move by assignment. */
+#define YYCOPY(to, from, count) std::copy_n(from, count, to)
+}
+
+%token START_EC 258
+%token START_EXP 259
+%token TK_AND 260 "and"
+%token TK_ARROW 261 "->"
+%token TK_ASSERT 262 "assert"
+%token TK_BOOL 263 "bool"
+%token TK_CONST 264 "const"
+%token TK_CURRENT 265 "current"
+%token TK_DIV 266 "div"
+%token TK_ELSE 267 "else"
+%token TK_FUNCTION 268 "function"
+%token TK_FALSE 269 "false"
+%token TK_GTE 270 ">="
+%token INTCONST 271
+%token IDENT 272
+%token TK_IF 273 "if"
+%token TK_INT 274 "int"
+%token TK_IMPL 275 "=>"
+%token TK_LTE 276 "<="
+%token TK_LET 277 "let"
+%token TK_MOD 278 "mod"
+%token TK_NEQ 279 "<>"
+%token TK_NODE 280 "node"
+%token TK_NOR 281 "nor"
+%token TK_NOT 282 "not"
+%token TK_OR 283 "or"
+%token TK_PRE 284 "pre"
+%token REALCONST 285
+%token TK_REAL 286 "real"
+%token TK_RETURNS 287 "returns"
+%token TK_TEL 288 "tel"
+%token TK_TYPE 289 "type"
+%token TK_THEN 290 "then"
+%token TK_TRUE 291 "true"
+%token TK_VAR 292 "var"
+%token TK_WHEN 293 "when"
+%token TK_XOR 294 "xor"
+%token TK_POWER 295 "**"
+%token UNARY_MINUS 296 /* a precedence only */
+
+/* From the loosest to the tightest. */
+%nonassoc "if" "then" "else"
+%left "->"
+%left "or" "xor"
+%left "and"
+%nonassoc '=' "<>" '<' "<=" '>' ">=" "=>"
+%nonassoc "not"
+%left '+' '-'
+%left '*' '/' '%' "div" "mod"
+%left "**"
+%left "when"
+%nonassoc "pre" "current" "int" "real" UNARY_MINUS
+
+%type <symbol> type_ref base_type named_type clock ident
+%type <list> ident_list
+%type <params> param_list param
+%type <exp> exp call constant
+%type <exps> exp_list exp_list_elt
+
+%destructor { delete $$; } <list> <exps>
+%destructor { delete $$.names; delete $$.types; } <params>
+
+%%
+
+input
+  : START_EC ec_file
+  | START_EXP exp { ecexp = $2; }
+  ;
+
+ec_file
+  : %empty
+  | decl_list node_decl
+  | node_decl
+  ;
+
+decl_list
+  : decl
+  | decl_list decl
+  ;
+
+decl
+  : const_decl
+  | type_decl
+  | func_decl
+  ;
+
+const_decl
+  : "const" const_list '.'
+  | "const" const_list ';'
+  ;
+
+const_list
+  : const_item
+  | const_list ';' const_item
+  ;
+
+const_item
+  : '(' ident_list ':' type_ref ')' "when" clock { AddUserConsts($2, $4, $7); }
+  | ident_list ':' type_ref { AddUserConsts($1, $3, base_clock()); }
+  ;
+
+type_ref
+  : base_type
+  | named_type
+  ;
+
+base_type
+  : "bool" { $$ = intern("bool"); }
+  | "int" { $$ = intern("int"); }
+  | "real" { $$ = intern("real"); }
+  ;
+
+named_type
+  : ident
+  ;
+
+clock
+  : ident
+  | "true" { $$ = intern("true"); }
+  ;
+
+type_decl
+  : "type" type_list ';'
+  | "type" type_list '.'
+  ;
+
+type_list
+  : type_item
+  | type_list ',' type_item
+  ;
+
+type_item
+  : abstract_type
+  | enum_type
+  ;
+
+abstract_type
+  : ident { add_abstract_type($1); }
+  ;
+
+enum_type
+  : ident '=' '(' ident_list ')' { add_enum_type($1, $4); }
+  ;
+
+ident
+  : IDENT { $$ = intern(ecprg_lval.text); }
+  ;
+
+func_decl
+  : "function" ident '(' param_list ')' "returns" '(' param_list ')' opt_end
+    { add_function($2, $4, $8); }
+  ;
+
+param_list
+  : param
+  | param_list ';' param
+    { $$.names = append($1.names, $3.names); $$.types = append($1.types, $3.types); }
+  ;
+
+param
+  : ident ':' type_ref { $$.names = new_list($1); $$.types = new_list($3); }
+  ;
+
+opt_end
+  : %empty
+  | ';'
+  | '.'
+  | ','
+  ;
+
+node_decl
+  : "node" node_header opt_locals body opt_end
+  ;
+
+node_header
+  : ident '(' input_list ')' "returns" '(' output_list ')' ';' { YY_ecprg->name = $1; }
+  ;
+
+input_list
+  : input_item
+  | input_list ';' input_item
+  ;
+
+input_item
+  : '(' ident_list ':' type_ref ')' "when" clock { AddInputs($2, $4, $7); }
+  | ident_list ':' type_ref { AddInputs($1, $3, base_clock()); }
+  ;
+
+output_list
+  : output_item
+  | output_list ';' output_item
+  ;
+
+output_item
+  : '(' ident_list ':' type_ref ')' "when" clock { AddOutputs($2, $4, $7); }
+  | ident_list ':' type_ref { AddOutputs($1, $3, base_clock()); }
+  ;
+
+opt_locals
+  : %empty
+  | "var" local_list ';'
+  ;
+
+local_list
+  : local_item
+  | local_list ';' local_item
+  ;
+
+local_item
+  : '(' ident_list ':' type_ref ')' "when" clock { AddLocals($2, $4, $7); }
+  | ident_list ':' type_ref { AddLocals($1, $3, base_clock()); }
+  ;
+
+body
+  : "let" "tel"
+  | "let" stmt_list "tel"
+  ;
+
+stmt_list
+  : stmt
+  | stmt_list stmt
+  ;
+
+stmt
+  : "assert" exp ';' { add_assertion($2); }
+  | ident '=' exp ';' { add_equation($1, $3); }
+  | '(' ident_list ')' '=' exp ';' { add_tuple_equation($2, $5); }
+  ;
+
+ident_list
+  : ident { $$ = new_list($1); }
+  | ident_list ',' ident { $$ = append($1, new_list($3)); }
+  ;
+
+exp
+  : '(' exp ')' { $$ = $2; }
+  | constant
+  | ident { $$ = reference($1); }
+  | "not" exp { $$ = unary(NOT_n, $2); }
+  | "int" exp { $$ = unary(REAL2INT_n, $2); }
+  | "real" exp { $$ = unary(INT2REAL_n, $2); }
+  | '-' exp %prec UNARY_MINUS { $$ = unary(UMINUS_n, $2); }
+  | "pre" exp { $$ = unary(PRE_n, $2); }
+  | "current" exp { $$ = unary(CURRENT_n, $2); }
+  | exp "->" exp { $$ = binary(ARROW_n, $1, $3); }
+  | exp "when" exp { $$ = binary(WHEN_n, $1, $3); }
+  | "if" exp "then" exp "else" exp { $$ = conditional($2, $4, $6); }
+  | exp "xor" exp { $$ = binary(XOR_n, $1, $3); }
+  | exp "or" exp { $$ = binary(OR_n, $1, $3); }
+  | exp "and" exp { $$ = binary(AND_n, $1, $3); }
+  | exp "=>" exp { $$ = binary(IMPL_n, $1, $3); }
+  | exp '=' exp { $$ = binary(EQUAL_n, $1, $3); }
+  | exp "<>" exp { $$ = binary(NEQ_n, $1, $3); }
+  | exp '<' exp { $$ = binary(LT_n, $1, $3); }
+  | exp "<=" exp { $$ = binary(LTE_n, $1, $3); }
+  | exp ">=" exp { $$ = binary(GTE_n, $1, $3); }
+  | exp '>' exp { $$ = binary(GT_n, $1, $3); }
+  | exp '*' exp { $$ = binary(TIMES_n, $1, $3); }
+  | exp '/' exp { $$ = binary(SLASH_n, $1, $3); }
+  | exp '%' exp { $$ = binary(MOD_n, $1, $3); }
+  | exp "mod" exp { $$ = binary(MOD_n, $1, $3); }
+  | exp "div" exp { $$ = binary(DIV_n, $1, $3); }
+  | exp '+' exp { $$ = binary(PLUS_n, $1, $3); }
+  | exp '-' exp { $$ = binary(MINUS_n, $1, $3); }
+  | exp "**" exp { $$ = binary(POWER_n, $1, $3); }
+  | call
+  | '#' '(' exp_list ')' { $$ = list_operator(DIESE_n, $3); }
+  | "nor" '(' exp_list_elt ')' { $$ = list_operator(NOR_n, $3); }
+  | '(' exp_list ')' { $$ = list_operator(TUPLE_n, $2); }
+  ;
+
+call
+  : ident '(' exp ')' { $$ = call($1, $3); }
+  | ident '(' exp_list ')' { $$ = call($1, list_operator(TUPLE_n, $3)); }
+  ;
+
+exp_list
+  : exp_list_elt ',' exp { $$ = and_then($1, $3); }
+  ;
+
+exp_list_elt
+  : exp { $$ = new_exp_list($1); }
+  | exp_list
+  ;
+
+constant
+  : "true" { $$ = bool_constant("true"); }
+  | "false" { $$ = bool_constant("false"); }
+  | INTCONST { $$ = int_constant(ecprg_lval.text); }
+  | REALCONST { $$ = real_constant(ecprg_lval.text); }
+  ;
+
+%%
+
+/* The tables are part of what this reader promises: the same texts, the same errors, at the same tokens. */
+static_assert(YYNRULES == 110 && YYNSTATES == 238 && YYNTOKENS == 57 && YYNNTS == 40,
+              "the grammar has changed its tables");

@@ -1,0 +1,271 @@
+// The lexer: characters to tokens.
+
+#include <cstring>
+
+#include "ecprg.tab.h"
+#include "foundation/text.h"
+#include "reader/reader.h"
+
+int carcour;
+int yyline = 1;
+const char* YY_instring;
+FILE* YY_infile;
+int YYLEX_BOOT;
+int YY_result;
+int YY_lexical_errors;
+char buffer[1024];
+char lexemeBuff[1024];
+
+namespace {
+
+struct Keyword {
+  const char* text;
+  int token;
+  bool carries_text;  // into ecprg_lval
+};
+
+// clang-format off
+const Keyword Keywords[] = {
+    {"and",      TK_AND,      false},
+    {"assert",   TK_ASSERT,   false},
+    {"bool",     TK_BOOL,     true},
+    {"const",    TK_CONST,    false},
+    {"current",  TK_CURRENT,  false},
+    {"div",      TK_DIV,      false},
+    {"else",     TK_ELSE,     false},
+    {"function", TK_FUNCTION, false},
+    {"false",    TK_FALSE,    true},
+    {"if",       TK_IF,       false},
+    {"int",      TK_INT,      true},
+    {"let",      TK_LET,      false},
+    {"mod",      TK_MOD,      false},
+    {"node",     TK_NODE,     false},
+    {"not",      TK_NOT,      false},
+    {"or",       TK_OR,       false},
+    {"nor",      TK_NOR,      false},
+    {"pre",      TK_PRE,      false},
+    {"real",     TK_REAL,     true},
+    {"returns",  TK_RETURNS,  false},
+    {"tel",      TK_TEL,      false},
+    {"type",     TK_TYPE,     false},
+    {"then",     TK_THEN,     false},
+    {"true",     TK_TRUE,     true},
+    {"var",      TK_VAR,      false},
+    {"when",     TK_WHEN,     false},
+    {"xor",      TK_XOR,      false},
+};
+const Keyword SpecKeywords[] = {
+    {"->", TK_ARROW, false},
+    {">=", TK_GTE,   false},
+    {"=>", TK_IMPL,  false},
+    {"<=", TK_LTE,   false},
+    {"<>", TK_NEQ,   false},
+    {"**", TK_POWER, false},
+};
+// clang-format on
+
+const char single_characters[] = "./:;)#%+,";
+const char doubled_characters[] = "(*-<=>";  // those that may begin a longer lexeme
+
+template <size_t rows>
+const Keyword* find_text(const Keyword (&table)[rows], const char* text) {
+  for (const Keyword& row : table)
+    if (std::strcmp(row.text, text) == 0) return &row;
+  return nullptr;
+}
+
+template <size_t rows>
+const Keyword* find_token(const Keyword (&table)[rows], int token) {
+  for (const Keyword& row : table)
+    if (row.token == token) return &row;
+  return nullptr;
+}
+
+bool is_one_of(int c, const char* characters) {
+  return c > 0 && std::strchr(characters, c) != nullptr;
+}
+
+bool continues_name(int c) { return is_letter(c) || is_digit(c) || c == '_'; }
+
+int advance() { return GetChar(&carcour); }
+
+// The end of a scan that met an error; the report has been made.
+int lexical_error() {
+  ++YY_lexical_errors;
+  return -1;
+}
+
+int unknown_character() {
+  if (YY_ecprg != nullptr) {
+    const char shown[] = {static_cast<char>(carcour), '\0'};
+    YY_ecprg->error("lexical error: unknown char '%d' (%s), line '%d'", carcour,
+                    carcour == 0 ? "\\0" : shown, yyline);
+  }
+  return lexical_error();
+}
+
+// The lexeme in `buffer`. No lexeme is ever cut: one that does not fit is an error of the text.
+class Lexeme {
+ public:
+  Lexeme() { buffer[0] = '\0'; }
+  void take() {  // the current character
+    if (size_ < sizeof buffer - 1) {
+      buffer[size_++] = static_cast<char>(carcour);
+      buffer[size_] = '\0';
+    } else {
+      fits_ = false;
+    }
+    advance();
+  }
+  void take_digits() {
+    while (is_digit(carcour)) take();
+  }
+  // Delivers `token`, with the text as its value where `carries_text`.
+  int deliver(int token, bool carries_text) {
+    if (!fits_) {
+      if (YY_ecprg != nullptr) YY_ecprg->error("lexical error: lexeme too long, line '%d'", yyline);
+      return lexical_error();
+    }
+    if (carries_text) std::memcpy(ecprg_lval.text, buffer, size_ + 1);
+    return YY_result = token;
+  }
+
+ private:
+  size_t size_ = 0;
+  bool fits_ = true;
+};
+
+int number() {
+  Lexeme lexeme;
+  int token = INTCONST;
+  lexeme.take_digits();
+  if (carcour == '.') {
+    token = REALCONST;
+    lexeme.take();
+    lexeme.take_digits();
+  }
+  if (carcour == 'e' || carcour == 'E') {
+    token = REALCONST;
+    lexeme.take();
+    if (carcour == '+' || carcour == '-') lexeme.take();
+    if (!is_digit(carcour)) {
+      if (YY_ecprg != nullptr) YY_ecprg->error("lexical error: bad real syntax, line '%d'", yyline);
+      return lexical_error();
+    }
+    lexeme.take_digits();
+  }
+  return lexeme.deliver(token, true);
+}
+
+int name_or_keyword() {
+  Lexeme lexeme;
+  while (continues_name(carcour)) lexeme.take();
+  const Keyword* keyword = find_text(Keywords, buffer);
+  if (keyword != nullptr) return lexeme.deliver(keyword->token, keyword->carries_text);
+  return lexeme.deliver(IDENT, true);
+}
+
+// Stands on the "*" that opens it, which may also begin the end: "(*)" is a comment.
+void skip_block_comment() {
+  int before;
+  do {
+    before = carcour;
+    if (advance() == -1) return;
+  } while (before != '*' || carcour != ')');
+  advance();
+}
+
+void skip_line_comment() {
+  while (carcour != '\n' && carcour != -1) advance();
+  if (carcour == '\n') advance();
+}
+
+}  // namespace
+
+int GetChar(int* c) {
+  if (YY_instring == nullptr)
+    *c = std::fgetc(YY_infile);
+  else if (*YY_instring == '\0')
+    *c = -1;  // and stay there
+  else
+    *c = static_cast<unsigned char>(*YY_instring++);
+  if (*c == '\n') ++yyline;
+  return *c;
+}
+
+static int start_scan(int boot, FILE* f, const char* text) {
+  YYLEX_BOOT = boot;
+  YY_lexical_errors = 0;
+  yyline = 1;
+  YY_instring = text;
+  YY_infile = f;
+  return advance() != -1;
+}
+
+int yylexInitFile(int boot, FILE* f) { return start_scan(boot, f, nullptr); }
+int yylexInitString(int boot, const char* text) { return start_scan(boot, nullptr, text); }
+
+int ecprg_lex() {
+  YY_result = YYLEX_BOOT;
+  YYLEX_BOOT = 0;
+  if (YY_result != 0) return YY_result;
+  for (;;) {
+    if (is_blank(carcour)) {
+      advance();
+      continue;
+    }
+    if (carcour == -1) return -1;
+    if (is_digit(carcour)) return number();
+    if (is_letter(carcour) || carcour == '_') return name_or_keyword();
+    if (is_one_of(carcour, single_characters)) {
+      YY_result = carcour;
+      advance();
+      return YY_result;
+    }
+    if (!is_one_of(carcour, doubled_characters)) return unknown_character();
+
+    const int first = carcour;
+    advance();
+    buffer[0] = static_cast<char>(first);
+    buffer[1] = static_cast<char>(carcour);
+    buffer[2] = '\0';
+    if (first == '(' && carcour == '*') {
+      skip_block_comment();
+    } else if (first == '-' && carcour == '-') {
+      skip_line_comment();
+    } else if (const Keyword* keyword = find_text(SpecKeywords, buffer)) {
+      advance();
+      return YY_result = keyword->token;
+    } else {
+      return YY_result = first;
+    }
+  }
+}
+
+const char* printLexeme(int token) {
+  if (token == -1) return "EOF";
+  if (is_one_of(token, single_characters) || is_one_of(token, doubled_characters)) {
+    std::snprintf(lexemeBuff, sizeof lexemeBuff, "%c", token);
+    return lexemeBuff;
+  }
+  if (token == INTCONST || token == IDENT || token == REALCONST) return ecprg_lval.text;
+  if (const Keyword* keyword = find_token(Keywords, token)) return keyword->text;
+  if (const Keyword* keyword = find_token(SpecKeywords, token)) return keyword->text;
+  return "(unknown lexeme...)";
+}
+
+int EcLexTest(SymbolTable* symbols, const char* path) {
+  FILE* file = std::fopen(path, "r");
+  if (file == nullptr) {
+    std::fprintf(stderr, "EcLexTest : Can't open file '%s'\n", path);
+    return 1;
+  }
+  YY_Symbols = symbols;
+  yylexInitFile(START_EC, file);
+  ecprg_lex();
+  for (int token = ecprg_lex(); token != -1; token = ecprg_lex())
+    std::fputs(printLexeme(token), stdout);
+  std::fclose(file);
+  YY_infile = nullptr;
+  return 0;
+}

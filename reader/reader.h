@@ -1,0 +1,89 @@
+// reader/reader.h: reads EC text, whole files and single expressions, into a program.
+//
+// The state of the reader is global: one parse at a time, on one thread. A text of any size and
+// content ends in a result or in a message of the program (EcPrg::error); bad_alloc may be thrown,
+// with all that the reader held released.
+#ifndef READER_READER_H
+#define READER_READER_H
+
+#include <cstdio>
+
+#include "model/ecprg.h"
+
+// What a token or a rule of the grammar is worth. Tokens fill `text`, rules any of the others. A
+// value that moves on the parser's stack takes along what rules produce and leaves a token's text
+// behind: the rule that reads the text is reduced as soon as the token is shifted, while it still
+// stands in ecprg_lval.
+struct EcValue {
+  EcValue() = default;
+  EcValue(const EcValue& other) { *this = other; }
+  EcValue& operator=(const EcValue& other) {
+    params = other.params;
+    return *this;
+  }
+
+  struct Params {
+    IntList* names;
+    IntList* types;
+  };
+  union {
+    char text[1024];
+    int symbol;
+    IntList* list;
+    Params params;
+    Exp* exp;       // null after an error
+    ExpList* exps;  // the newest first; null after an error
+  };
+};
+
+// --- Entry points. They borrow everything they are given, and the file is left open where they did
+// not open it. They answer 0 for success, 1 after an error, 2 when the text nests deeper than the
+// parser's stack. What was declared before the error stays in the program.
+
+// Reads the file `path`; a file that cannot be opened is reported on standard error.
+int EcParse(EcPrg* prg, SymbolTable* symbols, const char* path);
+int EcParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f);
+// Read one expression. `*out` is the expression, owned by `prg`, or null after any error.
+int EcExpParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f, Exp** out);
+int EcExpParseString(EcPrg* prg, SymbolTable* symbols, const char* text, Exp** out);
+
+// Prints the lexemes of the file `path` on standard output. Returns 0, or 1 if it cannot be opened,
+// which is reported on standard error.
+int EcLexTest(SymbolTable* symbols, const char* path);
+
+// --- The lexer.
+
+extern int carcour;              // the look-ahead character; -1 at the end
+extern int yyline;               // line of that character, from 1
+extern const char* YY_instring;  // what is left of the string being read; null for a file
+extern FILE* YY_infile;          // the file being read; null for a string
+extern int YYLEX_BOOT;           // token to deliver before any text; 0: none
+extern int YY_result;            // the token last delivered; 0 at the end or after an error
+extern int YY_lexical_errors;    // of the current scan
+extern char buffer[1024];        // the lexeme being assembled
+extern char lexemeBuff[1024];    // room for printLexeme
+
+// Begin a scan at line 1 with the boot token armed. They return 1, or 0 where the text is empty.
+int yylexInitFile(int boot, FILE* f);
+int yylexInitString(int boot, const char* text);
+// Stores the next character in `*c` and returns it; -1 at the end, again and again.
+int GetChar(int* c);
+// The next token; -1 at the end and after a lexical error, which is reported.
+int ecprg_lex();
+// A token as text, for messages; valid until the next call or token.
+const char* printLexeme(int token);
+
+// --- The parser.
+
+extern EcPrg* YY_ecprg;          // the program being filled; null: reports go nowhere
+extern SymbolTable* YY_Symbols;  // where names are interned
+extern Exp* ecexp;               // the expression that was read
+extern EcValue ecprg_lval;       // value of the current token
+extern int ecprg_char;           // the look-ahead token; -2: none
+extern int ecprg_nerrs;          // syntax errors of the current parse
+
+int ecprg_parse();
+// Reports `message` with the line and the token at which it stands.
+void ecprg_error(const char* message);
+
+#endif
