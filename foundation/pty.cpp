@@ -1,0 +1,164 @@
+#include "foundation/pty.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+
+static FILE* open_output(const char* name) {
+  if (strcmp(name, "stdout") == 0) return stdout;
+  if (strcmp(name, "stderr") == 0) return stderr;
+  FILE* f = fopen(name, "w");
+  if (f != nullptr) return f;
+  fprintf(stderr, "can't open file '%s'\n", name);
+  exit(1);
+}
+
+static FILE* open_temporary() {
+  FILE* f = tmpfile();
+  if (f != nullptr) return f;
+  fputs("can't open temporary file\n", stderr);
+  exit(1);
+}
+
+// Later failures follow from the first, which is the one to report.
+static void keep_first(int* kept, int error) {
+  if (*kept == 0) *kept = error != 0 ? error : EIO;
+}
+
+static int capped(unsigned long long bytes) {
+  return static_cast<int>(std::min<unsigned long long>(bytes, INT_MAX));
+}
+
+PtyStream* PtyStream::_of_stdout = nullptr;
+PtyStream* PtyStream::_of_stderr = nullptr;
+
+PtyStream* PtyStream::of_stdout() {
+  if (_of_stdout == nullptr) _of_stdout = new PtyStream(stdout, 80, nullptr);
+  return _of_stdout;
+}
+
+PtyStream* PtyStream::of_stderr() {
+  if (_of_stderr == nullptr) _of_stderr = new PtyStream(stderr, 80, nullptr);
+  return _of_stderr;
+}
+
+PtyStream::PtyStream(FILE* f, int line_width, const char* tab)
+    : file(f), name(nullptr), tab_string(tab != nullptr ? tab : "   "), width(line_width) {}
+
+PtyStream::PtyStream(const char* file_name, int line_width, const char* tab)
+    : PtyStream(open_output(file_name), line_width, tab) {
+  name = file_name;
+}
+
+PtyStream::PtyStream(int line_width, const char* tab) : PtyStream(stdout, line_width, tab) {}
+
+TmpPtyStream::TmpPtyStream(int line_width, const char* tab)
+    : PtyStream(open_temporary(), line_width, tab) {}
+
+PtyStream::~PtyStream() { close(); }
+
+void PtyStream::untab() {
+  if (tab_depth == 0) {
+    fputs("PtyStream::untab : unbalanced untab\n", stderr);
+    return;
+  }
+  --tab_depth;
+}
+
+void PtyStream::end_line() {
+  if (putc('\n', file) == EOF) keep_first(&write_error_, errno);
+  flush();
+}
+
+void PtyStream::cr() {
+  end_line();
+  for (int i = 0; i < tab_depth; ++i) {
+    if (fputs(tab_string.c_str(), file) == EOF) keep_first(&write_error_, errno);
+  }
+  column = capped(static_cast<unsigned long long>(tab_string.size()) *
+                  static_cast<unsigned long long>(tab_depth));
+}
+
+void PtyStream::lf() {
+  end_line();
+  column = 0;
+}
+
+void PtyStream::piece(const char* text, size_t length) {
+  column = capped(static_cast<unsigned long long>(column) + length);
+  if (column >= width) {
+    end_line();
+    column = capped(length);
+  }
+  if (fwrite(text, 1, length, file) != length) keep_first(&write_error_, errno);
+}
+
+void PtyStream::put_text(const char* text) {
+  while (*text != '\0') {
+    const size_t length = strcspn(text, "\n\f");
+    piece(text, length);  // also where it is empty: the line may have reached the width
+    text += length;
+    if (*text == '\0') return;
+    if (*text == '\n') {
+      cr();
+    } else {
+      lf();
+    }
+    ++text;
+  }
+}
+
+void PtyStream::vput(const char* format, va_list args) {
+  put_text(format_text(format, args).c_str());
+}
+
+void PtyStream::put(const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  vput(format, args);
+  va_end(args);
+}
+
+// A number has neither "\n" nor "\f", so its text is one piece.
+void PtyStream::put(int n) { put("%d", n); }
+
+void PtyStream::put(float x) { put("%f", static_cast<double>(x)); }
+
+void PtyStream::put(TmpPtyStream* t) {
+  t->flush();
+  rewind(t->file);
+  for (int c = getc(t->file); c != EOF; c = getc(t->file)) {
+    if (c == '\n') {
+      cr();
+    } else if (c == '\f') {
+      lf();
+    } else if (putc(c, file) == EOF) {
+      keep_first(&write_error_, errno);
+    }
+  }
+  if (ferror(t->file)) keep_first(&t->write_error_, EIO);
+  // What `t` lost is missing here as well.
+  if (t->write_error_ != 0) keep_first(&write_error_, t->write_error_);
+}
+
+void PtyStream::flush() {
+  if (fflush(file) != 0) {
+    keep_first(&write_error_, errno);
+  } else if (ferror(file)) {
+    keep_first(&write_error_, EIO);  // text written to the file directly, as rational numbers are
+  }
+}
+
+int PtyStream::close() {
+  if (file == nullptr) return write_error_;
+  flush();
+  if (file == stdout || file == stderr) {
+    clearerr(file);  // the next stream on this file starts afresh
+  } else if (fclose(file) != 0) {
+    keep_first(&write_error_, errno);
+  }
+  file = nullptr;
+  return write_error_;
+}

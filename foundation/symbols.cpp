@@ -1,0 +1,229 @@
+#include "foundation/symbols.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <new>
+
+static const int BucketCount = 5041;   // of the tape of a symbol table
+static const size_t PageRoom = 16380;  // bytes of a page that are counted
+static const size_t PageSize = sizeof(STapePage::chars);
+
+// A page with at least `size` characters, in one block; `next` is null.
+static STapePage* new_page(size_t size) {
+  void* block = ::operator new(offsetof(STapePage, chars) + std::max(size, PageSize));
+  STapePage* page = new (block) STapePage;
+  page->next = nullptr;
+  return page;
+}
+
+// Not `page->chars`: a page for a long string has more characters than that array.
+static char* page_start(STapePage* page) {
+  return reinterpret_cast<char*>(page) + offsetof(STapePage, chars);
+}
+
+StringTape::~StringTape() {
+  for (int bucket = 0; hash_table != nullptr && bucket < hash_size; ++bucket) {
+    for (STapeHashItem* item = hash_table[bucket]; item != nullptr;) {
+      STapeHashItem* behind = item->next;
+      delete item;
+      item = behind;
+    }
+  }
+  delete[] hash_table;
+  while (current_page != nullptr) {
+    STapePage* behind = current_page->next;
+    ::operator delete(current_page);
+    current_page = behind;
+  }
+}
+
+void StringTape::init(int size) {
+  hash_table = new STapeHashItem*[static_cast<size_t>(size)]();
+  hash_size = size;
+  current_page = new_page(PageSize);
+  page_cursor = page_start(current_page);
+  page_room = PageRoom;
+}
+
+// Adds up groups of low nibbles. The first group has seven of them and the others eight, which
+// decides the bucket of every name.
+int StringTape::hash_code(const char* s) const {
+  unsigned sum = 0;
+  unsigned group = 0;
+  int left = 8;
+  for (; *s != '\0'; ++s) {
+    const unsigned nibble = static_cast<unsigned char>(*s) & 15u;
+    if (--left > 0) {
+      group = (group << 4) | nibble;
+    } else {
+      sum += group;
+      group = nibble;
+      left = 8;
+    }
+  }
+  return static_cast<int>((group + sum) % static_cast<unsigned>(hash_size));
+}
+
+// The item of `s` in `bucket`, or null. Stores the number of other items passed.
+STapeHashItem* StringTape::search(const char* s, int bucket, int* walked) const {
+  *walked = 0;
+  STapeHashItem* item = hash_table[bucket];
+  for (; item != nullptr && strcmp(item->str, s) != 0; item = item->next) ++*walked;
+  return item;
+}
+
+// A walk that found nothing. The statistic stands one above the longest that raised it.
+void StringTape::note_vain_walk(int walked) {
+  if (walked > coll_max) coll_max = walked + 1;
+}
+
+// The copy of `s` in a page.
+char* StringTape::store(const char* s) {
+  const size_t size = strlen(s) + 1;
+  if (size > PageRoom) {
+    STapePage* page = new_page(size);
+    // Behind the current page, which goes on being filled.
+    page->next = current_page->next;
+    current_page->next = page;
+    return static_cast<char*>(memcpy(page_start(page), s, size));
+  }
+  if (size > static_cast<size_t>(page_room)) {
+    STapePage* page = new_page(PageSize);
+    page->next = current_page;
+    current_page = page;
+    page_cursor = page_start(page);
+    page_room = PageRoom;
+  }
+  char* copy = page_cursor;
+  memcpy(copy, s, size);
+  page_cursor += size;
+  page_room -= static_cast<int>(size);
+  return copy;
+}
+
+STapeHashItem* StringTape::internal_add(const char* s) {
+  const int bucket = hash_code(s);
+  int walked;
+  if (STapeHashItem* known = search(s, bucket, &walked)) return known;
+  // What can fail stands first, so that a failure leaves the tape as it was.
+  auto item = std::make_unique<STapeHashItem>();
+  item->str = store(s);
+  if (hash_table[bucket] == nullptr) ++occupied;
+  note_vain_walk(walked);
+  item->number = ++nb_strings;
+  item->next = hash_table[bucket];
+  hash_table[bucket] = item.release();
+  return hash_table[bucket];
+}
+
+STapeHashItem* StringTape::internal_find(const char* s) {
+  int walked;
+  STapeHashItem* item = search(s, hash_code(s), &walked);
+  if (item == nullptr) note_vain_walk(walked);
+  return item;
+}
+
+// The text that a name's format stands for: the format itself where there is nothing to fill in,
+// else a text kept in `storage`.
+PRINTF_LIKE(1, 0)
+static const char* name_text(const char* format, va_list args, std::string* storage) {
+  if (strchr(format, '%') == nullptr) return format;
+  *storage = format_text(format, args);
+  return storage->c_str();
+}
+
+SymbolTable::SymbolTable() {
+  auto fresh_tape = std::make_unique<StringTape>();
+  fresh_tape->init(BucketCount);
+  names = new StringArray(chunk_size);
+  tape = fresh_tape.release();
+}
+
+SymbolTable::~SymbolTable() {
+  delete names;
+  delete tape;
+}
+
+int SymbolTable::add(const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  const int number = vadd(format, args);
+  va_end(args);
+  return number;
+}
+
+int SymbolTable::vadd(const char* format, va_list args) {
+  std::string storage;
+  return add_text(name_text(format, args, &storage));
+}
+
+int SymbolTable::find(const char* format, ...) {
+  std::string storage;
+  va_list args;
+  va_start(args, format);
+  const int number = find_text(name_text(format, args, &storage));
+  va_end(args);
+  return number;
+}
+
+int SymbolTable::find_then_add(int* number, const char* format, ...) {
+  const int known = nb_symbols;
+  va_list args;
+  va_start(args, format);
+  *number = vadd(format, args);
+  va_end(args);
+  return *number <= known;
+}
+
+int SymbolTable::find_then_get(int* number, const char* format, ...) {
+  std::string storage;
+  va_list args;
+  va_start(args, format);
+  const int found = find_text(name_text(format, args, &storage));
+  va_end(args);
+  if (found == 0) return 0;
+  *number = found;
+  return 1;
+}
+
+int SymbolTable::add_text(const char* text) {
+  // The slot of a next symbol first: where it cannot be made, the tape must not have a string more
+  // than there are symbols.
+  char*& slot = (*names)[nb_symbols];
+  STapeHashItem* item = tape->internal_add(text);
+  if (item->number <= nb_symbols) return item->number;
+  slot = item->str;
+  return ++nb_symbols;
+}
+
+int SymbolTable::find_text(const char* text) {
+  const STapeHashItem* item = tape->internal_find(text);
+  return item == nullptr ? 0 : item->number;
+}
+
+const char* SymbolTable::name(int number) const {
+  if (number < 1 || number > nb_symbols) return "?";
+  return (*names)[number - 1];
+}
+
+void SymbolTable::print() {
+  for (int number = 1; number <= nb_symbols; ++number) {
+    printf("symbol[%3d]= \"%s\"\n", number, name(number));
+  }
+}
+
+void SymbolTable::init_iterate() { iter_index = 0; }
+
+char* SymbolTable::iterate() {
+  if (iter_index >= nb_symbols) return nullptr;
+  return (*names)[iter_index++];
+}
+
+void SymbolTable::print_statistics(FILE* stream) {
+  fprintf(stream, "hash size  : %5d\n", tape->hash_size);
+  fprintf(stream, "occupied   : %5d\n", tape->occupied);
+  fprintf(stream, "coll max   : %5d\n", tape->coll_max);
+  fprintf(stream, "nb strings : %5d\n", tape->nb_strings);
+}

@@ -1,0 +1,169 @@
+#include "foundation/pty.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <functional>
+#include <string>
+
+// What `write` writes to a stream of width 80.
+static std::string written(const std::function<void(PtyStream&)>& write) {
+  char* text = nullptr;
+  size_t size = 0;
+  {
+    PtyStream stream(open_memstream(&text, &size), 80, nullptr);
+    write(stream);
+  }
+  const std::string result(text, size);
+  free(text);
+  return result;
+}
+
+TEST(PtyStream, BreaksAndIndentsLines) {
+  const std::string b20(20, 'b'), c79(79, 'c'), d100(100, 'd');
+  const struct {
+    int depth, column;  // before the text
+    std::string text, expected;
+    int column_after;
+  } rows[] = {
+      {0, 77, "abc", "\nabc", 3},
+      {0, 76, "abc", "abc", 79},
+      {2, 0, "a\nb", "a\n      b", 7},
+      {2, 0, "a\fb", "a\nb", 1},
+      {2, 70, b20, "\n" + b20, 20},  // no indentation after an automatic break
+      {0, 0, c79, c79, 79},
+      {1, 0, d100, "\n" + d100, 100},
+      {1, 80, "\nx", "\n\n   x", 4},  // an empty piece meets the width as well
+      {1, 0, "\n\n", "\n   \n   ", 3},
+      {0, 90, "", "", 90},
+      {0, 5, "100%s%n", "100%s%n", 12},
+      {0, INT_MAX, "a", "\na", 1},
+  };
+  for (const auto& row : rows) {
+    for (const bool as_format : {false, true}) {
+      EXPECT_EQ(row.expected, written([&](PtyStream& stream) {
+                  stream.tab_depth = row.depth;
+                  stream.column = row.column;
+                  if (as_format) {
+                    stream.put("%s", row.text.c_str());
+                  } else {
+                    stream.put_text(row.text.c_str());
+                  }
+                  EXPECT_EQ(row.column_after, stream.column) << row.text;
+                }));
+    }
+  }
+}
+
+TEST(PtyStream, PutsNumbersAsPieces) {
+  EXPECT_EQ("-7\n1.500000", written([](PtyStream& stream) {
+              stream.put(-7);
+              stream.column = 72;
+              stream.put(1.5f);
+              EXPECT_EQ(8, stream.column);
+            }));
+}
+
+TEST(PtyStream, ColumnsDoNotOverflow) {
+  written([](PtyStream& stream) {
+    stream.width = INT_MAX;
+    stream.column = INT_MAX - 1;
+    stream.put_text("abc");
+    EXPECT_EQ(3, stream.column);
+  });
+}
+
+TEST(PtyStream, WritesLongTextsWhole) {
+  const std::string text(100000, 'x');
+  EXPECT_EQ("\n" + text + "\n",
+            written([&](PtyStream& stream) { stream.put("%s\f", text.c_str()); }));
+}
+
+TEST(PtyStream, WarnsOfOneUntabTooMany) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ("\nx", written([](PtyStream& stream) {
+              stream.tab();
+              stream.untab();
+              stream.untab();
+              stream.put_text("\nx");
+            }));
+  EXPECT_EQ("PtyStream::untab : unbalanced untab\n", testing::internal::GetCapturedStderr());
+}
+
+TEST(TmpPtyStream, IsCopiedAtTheDepthOfTheOther) {
+  const std::string copy = "x\n   y\n      \xff\n   z";  // its form feed was a line end by then
+  EXPECT_EQ("a" + copy + "!\n   >" + copy + "2", written([](PtyStream& stream) {
+              TmpPtyStream text(80, nullptr);
+              text.put_text("x\ny");
+              text.tab();
+              text.put_text("\n\xff\fz");
+              stream.tab();
+              stream.put_text("a");
+              stream.put(&text);
+              EXPECT_EQ(3, stream.column);  // copied characters are not counted
+              stream.put_text("!\n>");
+              text.put(2);  // goes on behind what was copied
+              stream.put(&text);
+            }));
+}
+
+TEST(PtyStream, ReportsTheFirstLostWriteOnce) {
+  if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no full device here";
+  const std::function<void(PtyStream&)> losses[] = {
+      [](PtyStream& stream) { stream.put_text("short"); },  // seen when the file is closed
+      [](PtyStream& stream) { stream.put_text("line\n"); },
+      [](PtyStream& stream) { stream.put_text(std::string(100000, 'x').c_str()); },
+      [](PtyStream& stream) {
+        TmpPtyStream text(80, nullptr);
+        text.put_text("copied");
+        stream.put(&text);
+      },
+  };
+  for (const auto& lose : losses) {
+    PtyStream stream("/dev/full", 80, nullptr);
+    lose(stream);
+    EXPECT_EQ(ENOSPC, stream.close());
+  }
+}
+
+TEST(TmpPtyStream, LostTextIsMissingInTheCopy) {
+  PtyStream copy("/dev/null", 80, nullptr);
+  TmpPtyStream text(80, nullptr);
+  const int read_only = open("/dev/null", O_RDONLY);
+  dup2(read_only, fileno(text.file));
+  close(read_only);
+  text.put_text("lost");
+  copy.put(&text);
+  EXPECT_EQ(EBADF, copy.close());
+}
+
+TEST(PtyStream, AFullStandardOutputSpoilsNothingLater) {
+  if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no full device here";
+  fflush(stdout);
+  const int saved = dup(1), full = open("/dev/full", O_WRONLY);
+  dup2(full, 1);
+  PtyStream stream("stdout", 80, nullptr);
+  fputs("written directly", stream.file);
+  const int error = stream.close();
+  dup2(saved, 1);
+  close(full);
+  close(saved);
+  EXPECT_EQ(ENOSPC, error);
+  testing::internal::CaptureStdout();
+  {
+    PtyStream next(80, nullptr);
+    next.put_text("still open");
+    EXPECT_EQ(0, next.close());
+  }
+  PtyStream::of_stdout()->put_text(".");
+  EXPECT_EQ("still open.", testing::internal::GetCapturedStdout());
+}
+
+TEST(PtyStream, UnopenableFileExits) {
+  EXPECT_EXIT(PtyStream("/nowhere/at/all", 80, nullptr), testing::ExitedWithCode(1),
+              "^can't open file '/nowhere/at/all'\n$");
+}
