@@ -1,9 +1,6 @@
 #include "foundation/errors.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <unistd.h>
 
 #include <functional>
 #include <string>
@@ -63,29 +60,4 @@ TEST_F(Messages, CountedErrorsStopAtTheRecovery) {
             }));
   EXPECT_EQ(2, GErrors());
   EXPECT_EXIT(GErrorRecover(), testing::ExitedWithCode(1), "^\\*\\*\\* 2 Errors stop\n$");
-}
-
-// What `calls` calls of the wheel with period 2 write on a terminal.
-static std::string wheel_on_terminal(int calls) {
-  const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
-  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) return "no terminal";
-  const int end = open(ptsname(terminal), O_RDWR | O_NOCTTY), saved = dup(2);
-  dup2(end, 2);
-  for (int i = 0; i < calls; ++i) VerboseWheel(2);
-  dup2(saved, 2);
-  char text[100];
-  const ssize_t size = read(terminal, text, sizeof text);
-  for (const int fd : {end, saved, terminal}) close(fd);
-  return std::string(text, size > 0 ? static_cast<size_t>(size) : 0);
-}
-
-TEST_F(Messages, WheelTurnsOnATerminalOnly) {
-  EXPECT_EQ("", printed([] { EXPECT_EQ(0, VerboseWheel(0)); }));
-  set_verbose_mode();
-  EXPECT_EQ("", printed([] { EXPECT_EQ(1, VerboseWheel(0)); }));
-  // Calls 2, 5, 8, 11 and 14 turn it.
-  const std::string turns = wheel_on_terminal(13);
-  if (turns == "no terminal") GTEST_SKIP() << turns;
-  EXPECT_EQ("|\b/\b-\b\\\b", turns);
-  EXPECT_EQ("|\b", wheel_on_terminal(1));
 }
