@@ -1,0 +1,180 @@
+#include "tcl/dorvik.h"
+
+#include <csignal>
+#include <cstdio>
+
+#include "foundation/errors.h"
+#include "tcl/tcl_init_quarel.h"
+#include "tcl/tcl_timer.h"
+
+Dorvik* last_dorvik;
+
+namespace {
+
+int DORVIK_help(ClientData, Tcl_Interp*, int, const char*[]);
+int DORVIK_verbose(ClientData, Tcl_Interp*, int, const char*[]);
+int DORVIK_sigint(ClientData, Tcl_Interp*, int, const char*[]);
+int DORVIK_ecprg(ClientData, Tcl_Interp*, int, const char*[]);
+
+struct GlobalCommand {
+  const char* name;
+  Tcl_CmdProc* procedure;
+  const char* usage;
+  const char* help[2];  // lines of the help text, behind the name
+};
+
+// In the order in which help prints them.
+enum { HELP, VERBOSE_MODE, SIGINT_SCRIPT, ECPRG };
+const GlobalCommand global_commands[] = {
+    {"help", DORVIK_help, "", {"  -- print help", nullptr}},
+    {"verbose",
+     DORVIK_verbose,
+     "[<int>]",
+     {"          -- set verbose mode to 1 (normal)",
+      " [<int>]  -- set verbose mode (0=silent) (>0=more and more)"}},
+    {"sigint",
+     DORVIK_sigint,
+     "<proc name>",
+     {" <tcl proc name>  --defines the <ctrl-c> handler", nullptr}},
+    {"ecprg",
+     DORVIK_ecprg,
+     "<ecprg name> [<node name>]",
+     {" <manager name> [<node name>]  --creates a node manager", nullptr}},
+};
+
+int usage_error(ClientData data, int command, const char* name) {
+  return static_cast<Dorvik*>(data)->cmd_error(name, "%s", global_commands[command].usage);
+}
+
+int DORVIK_help(ClientData, Tcl_Interp*, int, const char*[]) {
+  std::puts("dorvik commands are:");
+  for (int i = 0; i < operation_count; ++i)
+    std::printf("<ecprg> %s%s\n", operations[i].word, operations[i].help);
+  for (const GlobalCommand& command : global_commands)
+    for (const char* line : command.help)
+      if (line != nullptr) std::printf("%s%s\n", command.name, line);
+  std::fflush(stdout);
+  return TCL_OK;
+}
+
+int DORVIK_verbose(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]) {
+  return run_command(interp, [=] {
+    int level = 1;
+    if (argc > 2 || (argc == 2 && monatoi(argv[1], &level) != 0))
+      return usage_error(data, VERBOSE_MODE, argv[0]);
+    set_verbose_mode(level);
+    Verbose("verbose mode set to %d\n", level);
+    return TCL_OK;
+  });
+}
+
+int DORVIK_sigint(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]) {
+  return run_command(interp, [=] {
+    if (argc != 2) return usage_error(data, SIGINT_SCRIPT, argv[0]);
+    static_cast<Dorvik*>(data)->set_sigint_script(argv[1]);
+    return TCL_OK;
+  });
+}
+
+int DORVIK_ecprg(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]) {
+  return run_command(interp, [=] {
+    if (argc < 2) return usage_error(data, ECPRG, argv[0]);
+    return static_cast<Dorvik*>(data)->create_ecprg(argv[1], argc - 2, argv + 2);
+  });
+}
+
+// Evaluates the script inside the signal handler: an application that computes for hours without
+// entering the event loop can be stopped all the same.
+void DORVIK_general_sigint(int) {
+  if (last_dorvik != nullptr) last_dorvik->run_sigint_script();
+  std::signal(SIGINT, DORVIK_general_sigint);
+}
+
+void forget_interp(ClientData data, Tcl_Interp*) { static_cast<Dorvik*>(data)->interp = nullptr; }
+
+}  // namespace
+
+int Dorvik_Init(Tcl_Interp* interp) {
+  if (Tcl_InitStubs(interp, REQUIRED_TCL, 0) == nullptr) return TCL_ERROR;
+  if (Tk_InitStubs(interp, REQUIRED_TCL, 0) == nullptr) return TCL_ERROR;
+  if (Tcl_PkgProvideEx(interp, "Tamsel", "1.0", nullptr) != TCL_OK) return TCL_ERROR;
+  if (Tcl_InitQuarel(interp) != TCL_OK) return TCL_ERROR;
+  if (TimeHandler_Init(interp) != 0) return TCL_ERROR;
+  return run_command(interp, [=] { return run_dorvik_Init(interp) == 0 ? TCL_OK : TCL_ERROR; });
+}
+
+int run_dorvik_Init(Tcl_Interp* interp) {
+  new Dorvik(interp);  // stays reachable through last_dorvik
+  return 0;
+}
+
+Dorvik::Dorvik(Tcl_Interp* served) : interp(served), programs(nullptr), previous(last_dorvik) {
+  Tcl_CallWhenDeleted(interp, forget_interp, this);
+  sigint_script = Tcl_NewStringObj("puts \"dorvik: ctrl-c exit...\"\nexit", -1);
+  Tcl_IncrRefCount(sigint_script);
+  for (const GlobalCommand& command : global_commands)
+    Tcl_CreateCommand(interp, command.name, command.procedure, this, nullptr);
+  last_dorvik = this;
+  std::signal(SIGINT, DORVIK_general_sigint);
+}
+
+int Dorvik::error(const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  const std::string text = format_text(format, args);
+  va_end(args);
+  return deliver_error(interp, {{"STATE"}}, text);
+}
+
+int Dorvik::cmd_error(const char* command, const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  const std::string usage = format_text(format, args);
+  va_end(args);
+  const std::string name = command;
+  return deliver_error(
+      interp, {{"USAGE", command}},
+      "Dorvik: bad use of `" + name + "' command\n=> usage: " + name + " " + usage);
+}
+
+int Dorvik::create_ecprg(const char* name, int nparams, const char* params[]) {
+  EcPrgVar* object = new EcPrgVar(this, programs);
+  programs = object;
+  // An object that has the name already is deleted here.
+  object->command = Tcl_CreateCommand(interp, name, ECPRG_call, object, ECPRG_delete);
+  if (object->command == nullptr) {
+    remove_ecprg(object);
+    delete object;
+    return error("can't create command '%s'", name);
+  }
+  Verbose("creation of : %s\n", object->command_name());
+  print_ecprgs();
+  try {
+    object->call("init", nparams, params);
+  } catch (const std::bad_alloc&) {
+    Tcl_DeleteCommandFromToken(interp, object->command);
+    throw;
+  }
+  return TCL_OK;
+}
+
+EcPrgVar* Dorvik::remove_ecprg(EcPrgVar* p) { return programs = EcPrgVar::remove(programs, p); }
+
+void Dorvik::print_ecprgs() {
+  if (Verbose() <= 1) return;
+  Verbose(2, "current ecprg list :");
+  for (const EcPrgVar* object = programs; object != nullptr; object = object->next)
+    if (object->command != nullptr) Verbose(2, " %s", object->command_name());
+  Verbose(2, "\n");
+}
+
+void Dorvik::set_sigint_script(const char* script) {
+  Tcl_Obj* replaced = sigint_script;  // may be running
+  sigint_script = Tcl_NewStringObj(script, -1);
+  Tcl_IncrRefCount(sigint_script);
+  Tcl_DecrRefCount(replaced);
+}
+
+void Dorvik::run_sigint_script() {
+  if (interp != nullptr) evaluate_aside(interp, sigint_script);
+}

@@ -1,0 +1,162 @@
+// tcl/dorvik.h: the extension as Tcl sees it: its entry point, its global commands, and program
+// objects.
+//
+// Everything runs on the interpreter's thread. Words that come from scripts are never used as
+// formats. Operations return TCL_OK, or TCL_ERROR with a result text and an errorCode (see
+// tcl/support.h).
+#ifndef TCL_DORVIK_H
+#define TCL_DORVIK_H
+
+#include <memory>
+
+#include "foundation/text.h"
+#include "model/ecprg.h"
+#include "tcl/support.h"
+
+class EcPrgVar;
+struct Operation;
+
+// Binds the stubs of Tcl and Tk, provides package Tamsel 1.0, runs the start-up script and
+// registers all commands. TCL_ERROR where a step fails, with that step's message as the result.
+extern "C" __attribute__((visibility("default"))) int Dorvik_Init(Tcl_Interp* interp);
+
+// Makes the Dorvik of an interpreter. Returns 0.
+int run_dorvik_Init(Tcl_Interp* interp);
+
+// The global commands of one interpreter. Lives until the process ends.
+class Dorvik {
+ public:
+  // Registers help, verbose, sigint and ecprg, and handles SIGINT from now on.
+  explicit Dorvik(Tcl_Interp* served);
+  Dorvik(const Dorvik&) = delete;
+  Dorvik& operator=(const Dorvik&) = delete;
+
+  // Error results: a text of its own, and the usage of a global command. Both return TCL_ERROR.
+  int error(const char* format, ...) PRINTF_LIKE(2, 3);
+  int cmd_error(const char* command, const char* format, ...) PRINTF_LIKE(3, 4);
+
+  // Creates a program object as command `name`, and its node called `params[0]` or else like the
+  // command. Extra `params` leave it without a program, and init's error text as the result of a
+  // call that succeeds.
+  int create_ecprg(const char* name, int nparams, const char* params[]);
+  // Takes `p` off the list; returns the new head.
+  EcPrgVar* remove_ecprg(EcPrgVar* p);
+  // Prints the names of the live program objects at verbosity level 2.
+  void print_ecprgs();
+  // Replaces the script of Ctrl-C.
+  void set_sigint_script(const char* script);
+  // Runs it, unless the interpreter is gone.
+  void run_sigint_script();
+
+  Tcl_Interp* interp;      // null when it is gone
+  Tcl_Obj* sigint_script;  // this object holds one reference
+  EcPrgVar* programs;      // live objects, newest first; owned by their commands
+  Dorvik* previous;        // the one made before this one, or null
+};
+
+// The newest one. SIGINT is its.
+extern Dorvik* last_dorvik;
+
+// A program object: a program, and the handles that scripts have on its expressions.
+class EcPrgVar {
+ public:
+  EcPrgVar(Dorvik* dorvik, EcPrgVar* rest) : next(rest), owner(dorvik) {}
+  EcPrgVar(const EcPrgVar&) = delete;
+  EcPrgVar& operator=(const EcPrgVar&) = delete;
+
+  // Finds operation `word`, checks the count of its parameters and runs it.
+  int call(const char* word, int nparams, const char* params[]);
+
+  // Error results of operations. All return TCL_ERROR; see deliver_error.
+  int call_error(const ErrorCode& code, const char* format, ...) PRINTF_LIKE(3, 4);
+  int usage_error(const Operation& operation);
+  // Delivers a copy of `text` as result; it outlives the program. Returns TCL_OK.
+  int text_result(const char* text);
+
+  // The list without `object`.
+  static EcPrgVar* remove(EcPrgVar* list, EcPrgVar* object);
+
+  // The object's current command name; empty where it has none (yet, or any more).
+  const char* command_name() const;
+
+  // The handle of an expression: "_exp" and hexadecimal digits, valid until the program is
+  // replaced.
+  const char* exp2string(Exp* e);
+  // The expression of a handle that this object has issued for its present program; null for any
+  // other text.
+  Exp* string2exp(const char* handle);
+
+  // The operations, each for the rows of the table that name it. `params` are the words behind the
+  // operation's; their number has been checked, and that there is a program where one is needed.
+  int init(const Operation& operation, int nparams, const char* params[]);
+  int load(const Operation& operation, int nparams, const char* params[]);
+  int dump(const Operation& operation, int nparams, const char* params[]);
+  int profile(const Operation& operation, int nparams, const char* params[]);
+  int nbelts(const Operation& operation, int nparams, const char* params[]);
+  int varname(const Operation& operation, int nparams, const char* params[]);
+  int vartype(const Operation& operation, int nparams, const char* params[]);
+  int funcdecl(const Operation& operation, int nparams, const char* params[]);
+  int addvar(const Operation& operation, int nparams, const char* params[]);
+  int addfunc(const Operation& operation, int nparams, const char* params[]);
+  int build_exp(const Operation& operation, int nparams, const char* params[]);
+  int equation(const Operation& operation, int nparams, const char* params[]);
+  int exp_type(const Operation& operation, int nparams, const char* params[]);
+
+  // `prg` uses `symbols`; they are deleted in the order prg, symbols, exp_names.
+  std::unique_ptr<SymbolTable> exp_names = std::make_unique<SymbolTable>();  // handles issued
+  std::unique_ptr<SymbolTable> symbols;  // null where there is no program
+  std::unique_ptr<EcPrg> prg;            // null only after an ecprg with too many words
+  EcPrgVar* next;                        // of the owner's list
+  Tcl_Command command = nullptr;         // null before it is created and when it is gone
+  Dorvik* owner;
+  int new_ident_count = 0;  // of generated names
+
+ private:
+  struct Program;
+  void install(Program program);
+  void report_program(const char* what, const char* done);
+  FILE* open_file(const Operation& operation, const char* name);
+  FILE* open_channel(const Operation& operation, const char* name);
+
+  const char* type_name(const EcType* type) const;
+  int select(const Operation& operation, const char* index, int* symbol);
+  int query_result(const Operation& operation, const char* parameter, const char* result);
+
+  int built_new_ident(const char* prefix);
+  int used_name_error(const Operation& operation, const char* word);
+  int find_type(const Operation& operation, const char* word, EcType** type);
+  int find_exp(const Operation& operation, const char* word, Exp** e);
+  int parse_exp(const Operation& operation, const char* text, Exp** e);
+  void show_exp(Exp* e);
+};
+
+// The operation procedures of a program object's command.
+int ECPRG_call(ClientData object, Tcl_Interp* interp, int argc, const char* argv[]);
+void ECPRG_delete(ClientData object);
+
+// strtol in base 10. Returns 0, or 1 where `text` does not begin with a number.
+int monatoi(const char* text, int* value);
+
+// One of the lists of a program, with the counter of its members.
+struct Section {
+  IntList* EcPrg::*names;
+  int EcPrg::*count;
+};
+
+// One operation of program objects.
+struct Operation {
+  const char* word;
+  int (EcPrgVar::*handler)(const Operation& operation, int nparams, const char* params[]);
+  int min_params;
+  int max_params;     // -1: any number
+  const char* usage;  // of the parameters, for the error on a wrong count; null: takes none
+  bool needs_program;
+  const Section* section;  // the list it asks or adds to, or null
+  const char* help;        // what help prints behind the word
+};
+
+// The one table of operations. `help` prints them in its order.
+extern const Operation operations[];
+extern const int operation_count;
+
+#endif

@@ -1,0 +1,38 @@
+// tcl/interned_text.h: result texts that are put together in a program's symbol table.
+#ifndef TCL_INTERNED_TEXT_H
+#define TCL_INTERNED_TEXT_H
+
+#include <string>
+#include <vector>
+
+#include "foundation/symbols.h"
+
+// Grows a text piece by piece and interns it, with each step of its growth as a symbol of its own.
+// Of a text that no page of the table can hold, only the whole becomes a symbol: its steps together
+// would take memory in the square of its length.
+class InternedText {
+ public:
+  // Borrows `table`. Starts with `text`, which is a symbol already.
+  InternedText(SymbolTable* table, const char* text) : table_(table), text_(text) {}
+
+  void append(const char* separator, const char* piece) {
+    text_ += separator;
+    text_ += piece;
+    steps_.push_back(text_.size());
+  }
+
+  // Interns the text and returns it, borrowed from the table.
+  const char* intern() {
+    constexpr size_t page = 16380;
+    if (text_.size() < page)
+      for (const size_t length : steps_) table_->add_text(text_.substr(0, length).c_str());
+    return table_->name(table_->add_text(text_.c_str()));
+  }
+
+ private:
+  SymbolTable* table_;
+  std::string text_;
+  std::vector<size_t> steps_;  // lengths
+};
+
+#endif

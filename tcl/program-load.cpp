@@ -1,0 +1,134 @@
+// Operations that make, read, write and sum up the program of an object.
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "foundation/errors.h"
+#include "reader/reader.h"
+#include "tcl/dorvik.h"
+#include "tcl/interned_text.h"
+
+// A fresh program on a table of its own, with a table for its handles: what an object is given as a
+// whole.
+struct EcPrgVar::Program {
+  Program() { prg->EcPrgInit(symbols.get()); }
+
+  std::unique_ptr<SymbolTable> exp_names = std::make_unique<SymbolTable>();
+  std::unique_ptr<SymbolTable> symbols = std::make_unique<SymbolTable>();
+  std::unique_ptr<EcPrg> prg = std::make_unique<EcPrg>();
+};
+
+// Cannot fail: the old program goes and the new one is there.
+void EcPrgVar::install(Program program) {
+  prg = std::move(program.prg);
+  symbols = std::move(program.symbols);
+  exp_names = std::move(program.exp_names);
+  new_ident_count = 0;
+}
+
+void EcPrgVar::report_program(const char* what, const char* done) {
+  if (Verbose() <= 1) return;
+  Verbose(2, "%s %s\n", what, done);
+  Verbose(2, "=> node %s\n", symbols->name(prg->name));
+  Verbose(2, "=> %d inputs\n", prg->nb_inputs);
+  Verbose(2, "=> %d outputs\n", prg->nb_outputs);
+  Verbose(2, "=> %d locals\n", prg->nb_locals);
+  Verbose(2, "=> %d assertions\n", prg->nb_assertions);
+}
+
+int EcPrgVar::init(const Operation&, int nparams, const char* params[]) {
+  Program fresh;
+  const std::string node = formatted_name(nparams == 1 ? params[0] : command_name());
+  fresh.prg->name = fresh.symbols->add_text(node.c_str());
+  install(std::move(fresh));
+  report_program(command_name(), "initialized");
+  return TCL_OK;
+}
+
+FILE* EcPrgVar::open_file(const Operation& operation, const char* name) {
+  FILE* file = std::fopen(SystemText(name).c_str(), "r");
+  if (file == nullptr) call_error(io_error(name), "%s: can't open file '%s'", operation.word, name);
+  return file;
+}
+
+// Reads beside the channel, through a descriptor of its own: the channel stays open and is told
+// nothing.
+FILE* EcPrgVar::open_channel(const Operation& operation, const char* name) {
+  int mode;
+  Tcl_Channel channel = Tcl_GetChannel(owner->interp, name, &mode);
+  if (channel == nullptr) {
+    call_error({{"LOOKUP", "CHANNEL", name}}, "%s: invalid channel '%s'", operation.word, name);
+    return nullptr;
+  }
+  ClientData handle;
+  if ((mode & TCL_READABLE) == 0 ||
+      Tcl_GetChannelHandle(channel, TCL_READABLE, &handle) != TCL_OK) {
+    call_error({{"STATE", "CHANNEL", name}}, "%s: channel '%s' is unreadable", operation.word,
+               name);
+    return nullptr;
+  }
+  const int own = fcntl(static_cast<int>(reinterpret_cast<intptr_t>(handle)), F_DUPFD_CLOEXEC, 0);
+  FILE* file = own >= 0 ? fdopen(own, "r") : nullptr;
+  if (file == nullptr) {
+    const ErrorCode code = io_error(name);
+    if (own >= 0) close(own);
+    call_error(code, "%s: can't open file des. of channel '%s'", operation.word, name);
+  }
+  return file;
+}
+
+int EcPrgVar::load(const Operation& operation, int, const char* params[]) {
+  const char* name = params[0];
+  Program fresh;
+  const bool from_file = std::strcmp(operation.word, "load") == 0;
+  std::unique_ptr<FILE, int (*)(FILE*)> file(
+      from_file ? open_file(operation, name) : open_channel(operation, name), std::fclose);
+  if (file == nullptr) return TCL_ERROR;
+  Verbose("loading %s ....\n", name);
+
+  const int refused = EcParseFile(fresh.prg.get(), fresh.symbols.get(), file.get());
+  if (std::ferror(file.get()))
+    return call_error(io_error(name), "%s: can't read file '%s'", operation.word, name);
+  const char* message = fresh.prg->error_message;
+  if (message[0] != '\0') Verbose("%s\n", message);
+  const std::string line = std::to_string(yyline);
+  const ErrorCode code = {{"SYNTAX", line.c_str(), message}};
+  if (refused)
+    return call_error(code, "%s: syntax errors while parsing '%s'", operation.word, name);
+  if (fresh.prg->name == 0)
+    return call_error(code, "%s: can't load node ('%s' is empty)", operation.word, name);
+  install(std::move(fresh));
+  report_program(name, "loaded");
+  return TCL_OK;
+}
+
+int EcPrgVar::dump(const Operation& operation, int nparams, const char* params[]) {
+  const char* name = nparams == 1 ? params[0] : "stdout";
+  FILE* file = nparams == 1 ? std::fopen(SystemText(name).c_str(), "w") : stdout;
+  if (file == nullptr)
+    return call_error(io_error(name), "%s: can't open file '%s'", operation.word, name);
+  Verbose("--dumping in %s ....\n", name);
+  PtyStream out(file, 80, nullptr);
+  prg->print_quarel(&out);
+  errno = out.close();
+  if (errno != 0)
+    return call_error(io_error(name), "%s: can't write file '%s'", operation.word, name);
+  return TCL_OK;
+}
+
+int EcPrgVar::profile(const Operation& operation, int, const char*[]) {
+  InternedText text(symbols.get(), symbols->name(prg->name));
+  const auto append_types = [&](const IntList* names) {
+    for (; names != nullptr; names = names->next) {
+      const IdentInfo* ident = prg->ident(names->value);
+      text.append(" ", prg->type_name(ident != nullptr ? ident->type : nullptr, "?"));
+    }
+  };
+  append_types(prg->inputs);
+  text.append(" :", "");
+  append_types(prg->outputs);
+  return query_result(operation, "(null)", text.intern());
+}

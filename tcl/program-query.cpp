@@ -1,0 +1,64 @@
+// Operations that ask a program and change nothing but its symbol table.
+
+#include "foundation/errors.h"
+#include "tcl/dorvik.h"
+#include "tcl/interned_text.h"
+
+const char* EcPrgVar::type_name(const EcType* type) const {
+  return prg->type_name(type, "<unamed-type>");
+}
+
+int EcPrgVar::query_result(const Operation& operation, const char* parameter, const char* result) {
+  Verbose(2, "=> %s %s: %s\n", operation.word, parameter, result);
+  return text_result(result);
+}
+
+// Finds the symbol at `index` of the operation's list.
+int EcPrgVar::select(const Operation& operation, const char* index, int* symbol) {
+  int i;
+  if (monatoi(index, &i) != 0) return usage_error(operation);
+  if (extract(prg.get()->*operation.section->names, i, symbol) != 0)
+    return call_error({{"LOOKUP", "INDEX", index}}, "%s %s : index out of bounds", command_name(),
+                      operation.word);
+  return TCL_OK;
+}
+
+int EcPrgVar::nbelts(const Operation& operation, int, const char*[]) {
+  const int count = prg.get()->*operation.section->count;
+  Tcl_SetObjResult(owner->interp, Tcl_NewIntObj(count));
+  Verbose(2, "=> %s : %d\n", operation.word, count);
+  return TCL_OK;
+}
+
+int EcPrgVar::varname(const Operation& operation, int, const char* params[]) {
+  int symbol;
+  if (select(operation, params[0], &symbol) != TCL_OK) return TCL_ERROR;
+  return query_result(operation, params[0], symbols->name(symbol));
+}
+
+int EcPrgVar::vartype(const Operation& operation, int, const char* params[]) {
+  int symbol;
+  if (select(operation, params[0], &symbol) != TCL_OK) return TCL_ERROR;
+  const IdentInfo* ident = prg->ident(symbol);
+  return query_result(operation, params[0], type_name(ident != nullptr ? ident->type : nullptr));
+}
+
+int EcPrgVar::funcdecl(const Operation& operation, int, const char* params[]) {
+  int symbol;
+  if (select(operation, params[0], &symbol) != TCL_OK) return TCL_ERROR;
+  const char* name = symbols->name(symbol);
+  const FuncInfo* function = prg->function(symbol);
+  if (function == nullptr)
+    return call_error({{"LOOKUP", "FUNCTION", name}}, "%s %s : unknown function '%s'",
+                      command_name(), operation.word, name);
+  InternedText text(symbols.get(), name);
+  const auto append_type = [&](const EcType* type) {
+    if (type == nullptr || !type->is_tuple) return text.append(" ", prg->type_name(type, "?"));
+    for (const IntList* member = type->members; member != nullptr; member = member->next)
+      text.append(" ", symbols->name(member->value));
+  };
+  append_type(function->param_type);
+  text.append(" :", "");
+  append_type(function->result_type);
+  return query_result(operation, params[0], text.intern());
+}

@@ -1,0 +1,156 @@
+// Program objects: the table of operations, their dispatch, and the life of an object.
+
+#include <cstdlib>
+#include <cstring>
+
+#include "foundation/errors.h"
+#include "tcl/dorvik.h"
+
+static const Section inputs = {&EcPrg::inputs, &EcPrg::nb_inputs};
+static const Section outputs = {&EcPrg::outputs, &EcPrg::nb_outputs};
+static const Section locals = {&EcPrg::locals, &EcPrg::nb_locals};
+static const Section assertions = {&EcPrg::assertions, &EcPrg::nb_assertions};
+static const Section functions = {&EcPrg::functions, &EcPrg::nb_functions};
+
+// clang-format off
+const Operation operations[] = {
+    // word, handler, parameters from, to, usage, needs a program, section
+    //     help
+    {"init", &EcPrgVar::init, 0, 1, "[<node-name>]", false, nullptr,
+        " [<node name>]  --init an empty quarel node"},
+    {"load", &EcPrgVar::load, 1, 1, "<ec-file-name>", false, nullptr,
+        " <file.ec>  --load ec program from file"},
+    {"loadch", &EcPrgVar::load, 1, 1, "<ec-file-name>", false, nullptr,
+        " <fileid>   --load ec program from channel"},
+    {"dump", &EcPrgVar::dump, 0, 1, "[<ec-file-name>]", true, nullptr,
+        " [<file>]  --dump the structure in quarel format"},
+    {"profile", &EcPrgVar::profile, 0, 0, "<index>", true, nullptr,
+        "  --get the program's profile"},
+    {"nb-ins", &EcPrgVar::nbelts, 0, 0, nullptr, true, &inputs,
+        "   --get the number of inputs"},
+    {"nb-outs", &EcPrgVar::nbelts, 0, 0, nullptr, true, &outputs,
+        "   --get the number of outputs"},
+    {"nb-locs", &EcPrgVar::nbelts, 0, 0, nullptr, true, &locals,
+        "   --get the number of locals"},
+    {"nb-asts", &EcPrgVar::nbelts, 0, 0, nullptr, true, &assertions,
+        "   --get the number of assertions"},
+    {"nb-funcs", &EcPrgVar::nbelts, 0, 0, nullptr, true, &functions,
+        "   --get the number of external functions"},
+    {"in-name", &EcPrgVar::varname, 1, 1, "<index>", true, &inputs,
+        " <0..nb-inputs-1>  --get the name of an input"},
+    {"out-name", &EcPrgVar::varname, 1, 1, "<index>", true, &outputs,
+        " <0..nb-outputs-1> --get the name of an output"},
+    {"loc-name", &EcPrgVar::varname, 1, 1, "<index>", true, &locals,
+        " <0..nb-locals-1>  --get the name of a local"},
+    {"in-type", &EcPrgVar::vartype, 1, 1, "<index>", true, &inputs,
+        " <0..nb-inputs-1>  --get the type of an input"},
+    {"out-type", &EcPrgVar::vartype, 1, 1, "<index>", true, &outputs,
+        " <0..nb-outputs-1> --get the type of an output"},
+    {"loc-type", &EcPrgVar::vartype, 1, 1, "<index>", true, &locals,
+        " <0..nb-locals-1>  --get the type of an loacl"},
+    {"add-in", &EcPrgVar::addvar, 1, 2, "<type-name> [<var-name>]", true, &inputs,
+        " [<ident>]  --creates a new input identifier"},
+    {"add-out", &EcPrgVar::addvar, 1, 2, "<type-name> [<var-name>]", true, &outputs,
+        " [<ident>]  --creates a new output identifier"},
+    {"add-loc", &EcPrgVar::addvar, 1, 2, "<type-name> [<var-name>]", true, &locals,
+        " [<ident>]  --creates a new local identifier"},
+    {"func-decl", &EcPrgVar::funcdecl, 1, 1, "<index>", true, &functions,
+        " <0..nb-funcs-1>  --get the declaration of a function"},
+    {"add-func", &EcPrgVar::addfunc, 4, -1, "<type-name> [<var-name>]", true, &functions,
+        " <name> <type>+ : <type>+ --declares a external function"},
+    {"exp", &EcPrgVar::build_exp, 1, 1, "<quarel expression>", true, nullptr,
+        " <quarel expression>  --parse and build a quarel expression"},
+    {"eq", &EcPrgVar::equation, 2, 2, "<var name> <quarel expression>", true, nullptr,
+        " <var name> <quarel expression>  --defines an equation"},
+    {"exp-type", &EcPrgVar::exp_type, 1, 1, "<quarel expression>", true, nullptr,
+        " <quarel expression>  --get expression type"},
+};
+// clang-format on
+const int operation_count = sizeof operations / sizeof operations[0];
+
+static void free_object(char* object) { delete reinterpret_cast<EcPrgVar*>(object); }
+
+int ECPRG_call(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]) {
+  EcPrgVar* object = static_cast<EcPrgVar*>(data);
+  Tcl_Preserve(object);  // a trace may delete it meanwhile
+  const int result = run_command(interp, [=] {
+    Verbose("call of : %s\n", object->command_name());
+    if (argc < 2) return object->owner->cmd_error(argv[0], "<operation> [<param>*]");
+    return object->call(argv[1], argc - 2, argv + 2);
+  });
+  Tcl_Release(object);
+  return result;
+}
+
+void ECPRG_delete(ClientData data) {
+  EcPrgVar* object = static_cast<EcPrgVar*>(data);
+  Verbose("delete of : %s\n", object->command_name());
+  object->owner->remove_ecprg(object);
+  object->owner->print_ecprgs();
+  object->command = nullptr;
+  Tcl_EventuallyFree(object, free_object);
+}
+
+int EcPrgVar::call(const char* word, int nparams, const char* params[]) {
+  const Operation* operation = operations;
+  const Operation* end = operations + operation_count;
+  while (operation != end && std::strcmp(operation->word, word) != 0) ++operation;
+  if (operation == end)
+    return call_error({{"LOOKUP", "OPERATION", word}}, "unknown operation `%s'", word);
+  if (nparams < operation->min_params ||
+      (operation->max_params >= 0 && nparams > operation->max_params))
+    return usage_error(*operation);
+  if (operation->needs_program && prg == nullptr)
+    return call_error({{"STATE", word}}, "%s %s: no file loaded", command_name(), word);
+  return (this->*operation->handler)(*operation, nparams, params);
+}
+
+int EcPrgVar::call_error(const ErrorCode& code, const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  const std::string text = format_text(format, args);
+  va_end(args);
+  return deliver_error(owner->interp, code,
+                       std::string("Dorvik: bad `") + command_name() + "' call\n=> " + text);
+}
+
+int EcPrgVar::usage_error(const Operation& operation) {
+  const ErrorCode code = {{"USAGE", operation.word}};
+  if (operation.usage == nullptr)
+    return call_error(code, "%s %s: no parameter expected", command_name(), operation.word);
+  return call_error(code, "usage: %s %s %s", command_name(), operation.word, operation.usage);
+}
+
+int EcPrgVar::text_result(const char* text) {
+  Tcl_SetObjResult(owner->interp, Tcl_NewStringObj(text, -1));
+  return TCL_OK;
+}
+
+EcPrgVar* EcPrgVar::remove(EcPrgVar* list, EcPrgVar* object) {
+  EcPrgVar** place = &list;
+  while (*place != nullptr && *place != object) place = &(*place)->next;
+  if (*place != nullptr) *place = object->next;
+  return list;
+}
+
+const char* EcPrgVar::command_name() const {
+  return command != nullptr ? Tcl_GetCommandName(owner->interp, command) : "";
+}
+
+const char* EcPrgVar::exp2string(Exp* e) {
+  return exp_names->name(exp_names->add("_exp%lX", reinterpret_cast<unsigned long>(e)));
+}
+
+Exp* EcPrgVar::string2exp(const char* handle) {
+  unsigned long address;
+  if (exp_names->find_text(formatted_name(handle).c_str()) == 0 ||
+      std::sscanf(handle, "_exp%lX", &address) != 1)
+    return nullptr;
+  return reinterpret_cast<Exp*>(address);
+}
+
+int monatoi(const char* text, int* value) {
+  const char* end;
+  *value = read_int(text, &end);
+  return end == text;
+}

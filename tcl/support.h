@@ -1,0 +1,64 @@
+// tcl/support.h: what every command of this library asks of Tcl. What differs between the series of
+// Tcl is settled here.
+#ifndef TCL_SUPPORT_H
+#define TCL_SUPPORT_H
+
+#include <tcl.h>
+#include <tk.h>
+
+#include <new>
+#include <string>
+
+// The version to ask of the stubs. From Tcl 9 on, "8.5" alone would refuse every 9.
+#if TCL_MAJOR_VERSION >= 9
+#define REQUIRED_TCL "8.5-"
+#else
+#define REQUIRED_TCL "8.5"
+#endif
+
+// What the variable errorCode says behind the word TAMSEL: the kind of the error (USAGE, LOOKUP,
+// STATE, SYNTAX, TYPE or IO), then details. Borrowed texts; the first null ends them.
+struct ErrorCode {
+  const char* words[4];
+};
+
+// The errorCode of the failed system call that has just set errno, on the file or channel `name`.
+ErrorCode io_error(const char* name);
+
+// Leaves `text` as the interpreter's result, whole, and `code` in errorCode. Returns TCL_ERROR.
+// Scripts may run in it (a trace on errorCode), so nothing that they can delete may be used after
+// it.
+int deliver_error(Tcl_Interp* interp, const ErrorCode& code, const std::string& text);
+
+// Evaluates `script` beside whatever the interpreter is doing: its result and error state are
+// afterwards as before, and those of the script are dropped. Does nothing in an interpreter that is
+// being deleted.
+void evaluate_aside(Tcl_Interp* interp, Tcl_Obj* script);
+
+int report_out_of_memory(Tcl_Interp* interp);
+
+// Runs the body of a command procedure. Memory that runs out under it becomes a Tcl error.
+template <class Command>
+int run_command(Tcl_Interp* interp, Command command) {
+  try {
+    return command();
+  } catch (const std::bad_alloc&) {
+    return report_out_of_memory(interp);
+  }
+}
+
+// A word of a script in the encoding of the system, as file names have it.
+class SystemText {
+ public:
+  explicit SystemText(const char* word) { Tcl_UtfToExternalDString(nullptr, word, -1, &text_); }
+  ~SystemText() { Tcl_DStringFree(&text_); }
+  SystemText(const SystemText&) = delete;
+  SystemText& operator=(const SystemText&) = delete;
+
+  const char* c_str() const { return Tcl_DStringValue(&text_); }
+
+ private:
+  Tcl_DString text_;
+};
+
+#endif
