@@ -37,10 +37,8 @@ Fract::Fract(long long numerator, long long denominator) {
   const bool is_negative = (numerator < 0) != (denominator < 0);
   Bits over = magnitude(numerator);
   Bits under = magnitude(denominator);
-  if (over == 0) {
-    under = 1;
-  } else if (over != 1 && under != 1) {
-    const Bits divisor = common_divisor(over, under);
+  if (over != 1 && under != 1) {
+    const Bits divisor = common_divisor(over, under);  // `under` itself for zero
     over /= divisor;
     under /= divisor;
   }

@@ -92,6 +92,14 @@ TEST(PtyStream, ReportsTheFirstLostWriteOnce) {
   }
 }
 
+TEST(PtyStream, ReportsTextThatWasLostBesideIt) {
+  if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no full device here";
+  PtyStream stream("/dev/full", 80, nullptr);
+  setvbuf(stream.file, nullptr, _IONBF, 0);
+  fputs("written directly", stream.file);  // fails at once, so that no later flush does
+  EXPECT_EQ(EIO, stream.close());
+}
+
 TEST(TmpPtyStream, LostTextIsMissingInTheCopy) {
   PtyStream copy("/dev/null", 80, nullptr);
   TmpPtyStream text(80, nullptr);
