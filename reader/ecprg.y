@@ -26,6 +26,9 @@
 #define YYCOPY(to, from, count) std::copy_n(from, count, to)
 }
 
+/* Bison leaves the count of the parse before. */
+%initial-action { yynerrs = 0; }
+
 %token START_EC 258
 %token START_EXP 259
 %token TK_AND 260 "and"

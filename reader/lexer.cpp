@@ -81,8 +81,9 @@ const Keyword* find_token(const Keyword (&table)[rows], int token) {
   return nullptr;
 }
 
+// `c` may also be a token: strchr would take those above 255 for characters.
 bool is_one_of(int c, const char* characters) {
-  return c > 0 && std::strchr(characters, c) != nullptr;
+  return c > 0 && c < 128 && std::strchr(characters, c) != nullptr;
 }
 
 bool continues_name(int c) { return is_letter(c) || is_digit(c) || c == '_'; }
