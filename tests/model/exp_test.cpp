@@ -1,0 +1,50 @@
+#include "model/exp.h"
+
+#include <utility>
+#include <vector>
+
+#include "tests/support.h"
+
+TEST(ExpList, KeepsTheLengthFromEachCell) {
+  Program program;
+  Exp* e = program.prg.true_exp;
+  ExpList list(e, new ExpList(e));
+  list.concat(new ExpList(e, new ExpList(e, new ExpList(e))));
+  list.concat(nullptr);
+  int expected = 5;
+  for (const ExpList* cell = &list; cell != nullptr; cell = cell->next)
+    EXPECT_EQ(expected--, cell->length);
+  EXPECT_EQ(0, expected);
+}
+
+TEST(Exp, KeepsAnnotationsByDecreasingKeys) {
+  Exp e(CONST_n, 1, nullptr, -1);
+  int first, second, third;
+  e.put_info(3, &first);
+  e.put_info(5, &second);
+  e.put_info(3, &third);
+  e.put_info(4, nullptr);
+  std::vector<std::pair<int, void*>> kept;
+  for (const ExpInfo* info = e.infos; info != nullptr; info = info->next)
+    kept.push_back({info->key, e.get_ptr_info(info->key)});
+  EXPECT_EQ((std::vector<std::pair<int, void*>>{{5, &second}, {4, nullptr}, {3, &third}}), kept);
+  for (const int missing : {0, 1, 6}) EXPECT_EQ(nullptr, e.get_ptr_info(missing));
+  e.put_info(7, reinterpret_cast<void*>(1));
+  EXPECT_EQ(1, e.get_int_info(7));
+  EXPECT_EQ(0, e.get_int_info(4));
+  const int key = take_a_key();
+  EXPECT_EQ(key + 1, take_a_key());
+}
+
+TEST(Exp, ReportsQuestionsToTheWrongKind) {
+  Exp leaf(CONST_n, 1, nullptr, -1);
+  Exp sum(PLUS_n, &leaf, &leaf), projection(PROJ_n, &leaf, 2), call(CALL_n, &leaf, 7);
+  EXPECT_EQ(2, projection.projection_order());
+  EXPECT_EQ(7, call.function_ident());
+  EXPECT_EQ("projection_order called on 'PLUS_n' operator",
+            stderr_of([&] { EXPECT_EQ(0, sum.projection_order()); }));
+  EXPECT_EQ("projection_order called on 'CALL_n' operator",
+            stderr_of([&] { EXPECT_EQ(0, call.projection_order()); }));
+  EXPECT_EQ("Exp::function_name called on 'PROJ_n' operator",
+            stderr_of([&] { EXPECT_EQ(0, projection.function_ident()); }));
+}

@@ -1,0 +1,233 @@
+#include <map>
+#include <sstream>
+#include <vector>
+
+#include "tests/support.h"
+
+static const char declarations[] =
+    "type token, color = (red, green);"
+    "function f(n : int) returns (r : real)"
+    "function g(n : int; r : real) returns (b : bool)"
+    "function two(n : int) returns (b : bool; r : real)"
+    "node n(b : bool; i : int; x : real; t : token; c : color; (s : int) when b)"
+    "returns (o : int); let tel";
+
+// "int", or "int*bool" for a tuple.
+static std::string name_of(Program& program, EcType* type) {
+  if (!type->is_tuple) return program.prg.type_name(type, "?");
+  EXPECT_LT(1, length(type->members));
+  std::string text;
+  for (int i = 1; i <= length(type->members); ++i)
+    text += (i > 1 ? "*" : "") + std::string(program.symbols.name(type->member(i)));
+  return text;
+}
+
+// Stands for the grammar's own choice of the kind.
+constexpr int as_read = -1;
+
+// Every "?" of a text stands in turn for an operand of each type: b bool, i int, x real, t
+// abstract, c enumerated, p a pair. `accepted` lists the operands that are good with the type of
+// the result; all others are refused with `message`. Where the grammar cannot make a kind, a node
+// of the kind `built` gets the operands.
+struct Rule {
+  const char* text;
+  const char* accepted;
+  const char* message;
+  const char* types = "bixtcp";
+  int built = as_read;
+};
+
+// clang-format off
+static const Rule rules[] = {
+    {"",          "",                               "type error: unexpected '$s'", "", ERROR_n},
+    {"",          "",                               "type error: unexpected '$s'", "", CONST_n},
+    {"",          "",                               "type error: unexpected '$s'", "", INPUT_n},
+    {"",          "",                               "type error: unexpected '$s'", "", ECREF_n},
+    {"",          "",                               "type error: unexpected '$s'", "", MODELREF_n},
+    {"",          "",                               "type error: unexpected '$s'", "", 40},
+    {"",          "",                               "", "", 41},
+    {"?",         "b:bool i:int x:real t:token c:color p:int*bool", ""},
+    {"12",        ":int",                           ""},
+    {"1e3",       ":real",                          ""},
+    {"false",     ":bool",                          ""},
+    {"red",       ":color",                         ""},
+    {"pre ?",     "b:bool i:int x:real t:token c:color p:int*bool", ""},
+    {"current ?", "b:bool i:int x:real t:token c:color p:int*bool", ""},
+    {"?",         "b:bool i:int x:real t:token c:color p:int*bool", "", "bixtcp", LAST_n},
+    {"?",         "b:bool",                         "type error: bad 'INIT_n' operands", "bixtcp", INIT_n},
+    {"not ?",     "b:bool",                         "type error: bad 'NOT_n' operands"},
+    {"- ?",       "i:int x:real",                   "type error: bad 'UMINUS_n' operand"},
+    {"real ?",    "i:real",                         "type error: bad 'INT2REAL_n' operand"},
+    {"int ?",     "x:int",                          "type error: bad 'REAL2INT_n' operand"},
+    {"? -> ?",    "bb:bool ii:int xx:real tt:token cc:color pp:int*bool", "type error: bad 'ARROW_n' operands"},
+    {"? when ?",  "bb:bool ib:int xb:real tb:token cb:color pb:int*bool", "type error: bad 'WHEN_n' operands"},
+    {"? and ?",   "bb:bool",                        "type error: bad 'AND_n' operands"},
+    {"? or ?",    "bb:bool",                        "type error: bad 'OR_n' operands"},
+    {"? xor ?",   "bb:bool",                        "type error: bad 'XOR_n' operands"},
+    {"? => ?",    "bb:bool",                        "type error: bad 'IMPL_n' operands"},
+    {"? = ?",     "bb:bool ii:bool xx:bool tt:bool cc:bool pp:bool", "type error: bad 'EQUAL_n' operands"},
+    {"? <> ?",    "bb:bool ii:bool xx:bool tt:bool cc:bool pp:bool", "type error: bad 'NEQ_n' operands"},
+    {"? >= ?",    "ii:bool xx:bool",                "type error: bad 'GTE_n' operands"},
+    {"? > ?",     "ii:bool xx:bool",                "type error: bad 'GT_n' operands"},
+    {"? <= ?",    "ii:bool xx:bool",                "type error: bad 'LTE_n' operands"},
+    {"? < ?",     "ii:bool xx:bool",                "type error: bad 'LT_n' operands"},
+    {"? div ?",   "ii:int",                         "type error: bad 'DIV_n' operands"},
+    {"? mod ?",   "ii:int",                         "type error: bad 'MOD_n' operands"},
+    {"? % ?",     "ii:int",                         "type error: bad 'MOD_n' operands"},
+    {"? - ?",     "ii:int xx:real",                 "type error: bad 'MINUS_n' operands"},
+    {"? + ?",     "ii:int xx:real",                 "type error: bad 'PLUS_n' operands"},
+    {"? / ?",     "ii:int xx:real",                 "type error: bad 'SLASH_n' operands"},
+    {"? * ?",     "ii:int xx:real",                 "type error: bad 'TIMES_n' operands"},
+    {"? ** ?",    "ii:int xx:real",                 "type error: bad 'POWER_n' operands"},
+    {"if ? then ? else ?", "bbb:bool bii:int bxx:real btt:token bcc:color bpp:int*bool",
+                                                    "type error: bad 'IF_n' operands"},
+    {"(?, ?)",    "bb:bool*bool bi:bool*int ib:int*bool ii:int*int", "", "bi"},
+    {"(t, c, x)", ":token*color*real",              ""},
+    {"(?, x)",    "",                               "type error: bad 'TUPLE_n' operands", "p"},
+    {"(x, ?)",    "",                               "type error: bad 'TUPLE_n' operands", "p"},
+    {"(i, two(i))", "",                             "type error: bad 'TUPLE_n' operands"},
+    {"?",         "b:bool i:int x:real t:token c:color", "type error: bad 'TUPLE_n' operands", "bixtcp", TUPLE_n},
+    {"",          "",                               "type error: bad 'TUPLE_n' operands", "", TUPLE_n},
+    {"nor(?)",    "b:bool",                         "type error: bad 'NOR_n' operands"},
+    {"nor(?, ?, ?)", "bbb:bool",                    "type error: bad 'NOR_n' operands"},
+    {"",          ":bool",                          "", "", NOR_n},
+    {"#(?, ?)",   "bb:bool",                        "type error: bad 'DIESE_n' operands"},
+    {"#(?, ?, ?)", "bbb:bool",                      "type error: bad 'DIESE_n' operands"},
+    {"?",         "",                               "sorry, type of 'RCL_n' not yet implemented", "bixtcp", RCL_n},
+    {"?",         "",                               "sorry, type of 'ICL_n' not yet implemented", "bixtcp", ICL_n},
+    {"?",         "",                               "sorry, type of 'PROJ_n' not yet implemented", "bixtcp", PROJ_n},
+    {"f(?)",      "i:real",                         "type error: bad 'f' operands"},
+    {"f(?, ?)",   "",                               "type error: bad 'f' operands", "bixtc"},
+    {"g(?, ?)",   "ix:bool",                        "type error: bad 'g' operands", "bixtc"},
+    {"g(?)",      "",                               "type error: bad 'g' operands"},
+    {"two(?)",    "i:bool*real",                    "type error: bad 'two' operands"},
+    {"h(?)",      "",                               "error: undeclared function 'h'"},
+    {"i(?)",      "",                               "error: undeclared function 'i'"},
+    // The first message stays, from the inside out and from left to right.
+    {"b -> not (i + (x and b))", "",              "type error: bad 'AND_n' operands"},
+    {"(not i) + (x and b)", "",                     "type error: bad 'NOT_n' operands"},
+    {"if i + x then - b else h(t)", "",             "type error: bad 'PLUS_n' operands"},
+    {"(i, - b, h(t))", "",                          "type error: bad 'UMINUS_n' operand"},
+    {"f(h(i + x))", "",                             "type error: bad 'PLUS_n' operands"},
+};
+// clang-format on
+
+static std::string outcome(Program& program, const Rule& rule, const std::string& operands) {
+  program.prg.error_message[0] = '\0';
+  Exp* e;
+  if (rule.built == as_read) {
+    std::string text;
+    size_t used = 0;
+    for (const char* c = rule.text; *c != '\0'; ++c)
+      text += *c != '?'                 ? std::string(1, *c)
+              : operands[used++] == 'p' ? "(i, b)"
+                                        : std::string(1, operands[used - 1]);
+    e = program.exp(text);
+  } else {
+    std::vector<Exp*> args;
+    for (const char c : operands)
+      args.push_back(program.exp(c == 'p' ? "(i, b)" : std::string(1, c)));
+    const auto kind = static_cast<ExpNature>(rule.built);
+    e = program.prg.enter(new Exp(kind, static_cast<int>(args.size()), args.data()));
+  }
+  if (e == nullptr) return "not read: " + program.message();
+  EcType* type = program.prg.type(e);
+  EXPECT_EQ(type, e->type);
+  return type != nullptr ? name_of(program, type) : program.message();
+}
+
+TEST(Typing, FollowsTheRuleOfEachKind) {
+  Program program(declarations);
+  for (const Rule& rule : rules) {
+    std::map<std::string, std::string> accepted;
+    std::istringstream pairs(rule.accepted);
+    for (std::string pair; pairs >> pair;)
+      accepted[pair.substr(0, pair.find(':'))] = pair.substr(pair.find(':') + 1);
+
+    std::vector<std::string> all = {""};  // the choices of operands
+    for (const char* c = rule.text; *c != '\0'; ++c) {
+      if (*c != '?') continue;
+      std::vector<std::string> longer;
+      for (const std::string& operands : all)
+        for (const char* type = rule.types; *type != '\0'; ++type)
+          longer.push_back(operands + *type);
+      all.swap(longer);
+    }
+    testing::internal::CaptureStderr();
+    for (const std::string& operands : all) {
+      const auto good = accepted.find(operands);
+      EXPECT_EQ(good != accepted.end() ? good->second : rule.message,
+                outcome(program, rule, operands))
+          << rule.text << " with " << operands << " as " << rule.built;
+    }
+    testing::internal::GetCapturedStderr();
+  }
+}
+
+TEST(Typing, ReportsANestedTupleAsMisuse) {
+  Program program(declarations);
+  EXPECT_EQ("Exp::function_name called on 'TUPLE_n' operator",
+            stderr_of([&] { program.prg.type(program.exp("((i, b), x)")); }));
+}
+
+TEST(Typing, IsDoneOncePerNode) {
+  Program program(declarations);
+  Exp* sum = program.exp("i + 1");
+  EcType* type = program.prg.type(sum);
+  sum->args[0] = program.leaf("b");
+  EXPECT_EQ(type, program.prg.type(sum));
+  EXPECT_EQ(program.prg.type(program.exp("(i, b)")), program.prg.type(program.exp("(1, true)")));
+
+  // Shared nodes: without a memory this would take 2^64 steps, and so it would after an error.
+  for (const bool good : {true, false}) {
+    Exp* e = good ? program.leaf("i") : program.exp("i + b");
+    for (int i = 0; i < 64; ++i) e = program.prg.enter(new Exp(PLUS_n, e, e));
+    EXPECT_EQ(good ? program.prg.int_type : nullptr, program.prg.type(e));
+  }
+}
+
+TEST(Clocks, FollowTheFirstOperand) {
+  const char unnamed[] = "The clock operand of 'when' operator must be named";
+  const char current[] = "EcPrg::clock 'CURRENT_n' is not implemented";
+  const struct {
+    const char* text;
+    const char* clock;  // null: the one below
+    int number;
+    const char* report;
+  } rows[] = {
+      {"i", "true", 0, ""},
+      {"1.5", "true", 0, ""},
+      {"s", "b", 0, ""},
+      {"pre s", "b", 0, ""},
+      {"i + s", "true", 0, ""},
+      {"s + i", "b", 0, ""},
+      {"if b then s else s", "true", 0, ""},
+      {"if s = 1 then i else i", "b", 0, ""},
+      {"f(s)", "b", 0, ""},
+      {"(s, i)", "b", 0, ""},
+      {"i when b", "b", 0, ""},
+      {"s when true", "true", 0, ""},
+      {"- pre (i when b) + i", "b", 0, ""},
+      {"i when not b", nullptr, 0, unnamed},
+      {"pre (i when (b and b)) -> i", nullptr, 0, unnamed},
+      {"current s", nullptr, -1, current},
+      {"pre current s + i", nullptr, -1, current},
+  };
+  for (const auto& row : rows) {
+    Program program(declarations);
+    Exp* e = program.exp(row.text);
+    const int expected = row.clock != nullptr ? program.symbol(row.clock) : row.number;
+    EXPECT_EQ(row.report, stderr_of([&] { EXPECT_EQ(expected, program.prg.clock(e)); }))
+        << row.text;
+    EXPECT_EQ(expected, e->clock) << row.text;
+    // What is known is not computed again, and not reported again.
+    if (expected != -1 && e->nb_args > 0) e->args[0] = program.exp("current i");
+    EXPECT_EQ(expected == -1 ? row.report : "",
+              stderr_of([&] { EXPECT_EQ(expected, program.prg.clock(e)); }))
+        << row.text;
+  }
+  Program program(declarations);
+  Exp* nothing = program.prg.enter(new Exp(NOR_n, 0, static_cast<Exp**>(nullptr)));
+  EXPECT_EQ("EcPrg::clock 'NOR_n' is not implemented",
+            stderr_of([&] { EXPECT_EQ(-1, program.prg.clock(nothing)); }));
+}

@@ -1,0 +1,137 @@
+// Programs that are well formed and declare something senseless: what is reported, what is kept.
+
+#include "tests/support.h"
+
+TEST(Holes, InDeclarations) {
+  const struct {
+    const char *text, *message, *quarel;
+  } rows[] = {
+      {"node n(x : nosuch) returns (y : int); let y = 1; tel", "EcPrg: type 'nosuch' undeclared",
+       "node n( x : ? ) returns ( y : int ); let y = 1; tel"},
+      {"const k : t1; node n(x : int) returns (y : t2); var z : t3; let y = k; tel",
+       "EcPrg: type 't3' undeclared",
+       "const k : ?; node n( x : int ) returns ( y : ? ); var z : ?; let y = k; tel"},
+      {"type t; type t; node n(x : int) returns (y : int); let tel", "type 't' already declared",
+       "type t; node n( x : int ) returns ( y : int ); let tel"},
+      {"type t, t = (c, d); node n(x : t) returns (y : t); let y = c; tel", "undeclared ident 'c'",
+       "type t; node n( x : t ) returns ( y : t ); let tel"},
+      {"function f(a : t; b : int) returns (c : int) node n(x : int) returns (y : int); let tel",
+       "EcPrg: type 't' undeclared",
+       "function f (a : t; b : int) returns (c : int); node n( x : int ) returns ( y : int ); let "
+       "tel"},
+      {"function f(a : int) returns (c : t) node n(x : int) returns (y : int); let tel",
+       "EcPrg: type 't' undeclared",
+       "function f (a : int) returns (c : t); node n( x : int ) returns ( y : int ); let tel"},
+      // The later of two declarations counts.
+      {"type t = (c, d); node n(c : int) returns (y : int); let y = c; tel", "",
+       "type t; const c : int; d : t; node n( c : int ) returns ( y : int ); let y = c; tel"},
+      {"node n(x, x : int) returns (x : bool); let x = true; tel", "",
+       "node n( x : bool; x : bool ) returns ( x : bool ); let x = true; tel"},
+      {"const f : int; function f(a : int) returns (b : int) node n(x : int) returns (y : int); "
+       "let y = f; tel",
+       "undeclared ident 'f'",
+       "const f : ?; function f (a : int) returns (b : int); node n( x : int ) returns ( y : int "
+       "); let tel"},
+      {"function f(a : int) returns (b : int) node n(f : int) returns (y : int); let y = f; tel",
+       "", "node n( f : int ) returns ( y : int ); let y = f; tel"},
+      // A clock need not be declared.
+      {"node n((x : int) when c) returns (y : int); let y = x; tel", "",
+       "node n( ( x : int ) when c ) returns ( y : int ); let y = x; tel"},
+  };
+  for (const auto& row : rows) {
+    Program program;
+    EXPECT_EQ(0, program.read(row.text)) << row.text;
+    EXPECT_EQ(row.message, program.message()) << row.text;
+    EXPECT_EQ(row.quarel, squeezed(quarel(program))) << row.text;
+  }
+}
+
+TEST(Holes, InEquations) {
+  const struct {
+    const char *body, *message, *written;
+  } rows[] = {
+      {"", "", ""},
+      {"nosuch = x; y = 1;", "undeclared ident 'nosuch'", "y = 1; "},
+      {"y = 1 + nosuch; z = 2;", "undeclared ident 'nosuch'", "z = 2; "},
+      {"y = nosuch; y = 1;", "undeclared ident 'nosuch'", "y = 1; "},
+      {"two = 1; y = two;", "undeclared ident 'two'", ""},
+      {"assert nosuch; assert x = 1;", "undeclared ident 'nosuch'", "assert (x)=(1); "},
+      {"(y, nosuch) = two(x);", "undeclared ident 'nosuch'", ""},
+      {"(nosuch, y) = two(x); y = 1;", "undeclared ident 'nosuch'", "y = 1; "},
+      {"(y, z) = two(nosuch); (z, w) = two(x);", "undeclared ident 'nosuch'", "z, w = two(x); "},
+      {"(y, z) = nosuch(x);", "", "y, z = nosuch(x); "},
+      {"y = 1; y = 2;", "ident 'y' is already defined", "y = 2; "},
+      {"y = 1; (z, y) = two(x); z = 3;", "ident 'y' is already defined", "y = 1; z = 3; "},
+      {"(y, z) = two(x); z = 1;", "ident 'z' is already defined", "y, z = two(x); "},
+      {"(y, z) = two(x); y = 1;", "ident 'y' is already defined", "y, z = two(x); "},
+      {"(z, w) = two(x); (y, z) = two(1);", "ident 'z' is already defined", "z, w = two(x); "},
+      {"(y, y) = two(x); y = 1;", "ident 'y' is already defined", "y = 1; "},
+      {"(y, z, w, z) = two(x);", "ident 'z' is already defined", ""},
+      {"(y) = x;", "", "y = x; "},
+      // The generated name of an assertion is no identifier.
+      {"assert x = 1; y = __assert_0;", "undeclared ident '__assert_0'", "assert (x)=(1); "},
+      {"assert x = 1; __assert_0 = x;", "undeclared ident '__assert_0'", "assert (x)=(1); "},
+      {"assert x = 1; (y, __assert_0) = two(x);", "undeclared ident '__assert_0'",
+       "assert (x)=(1); "},
+      {"assert x = 1; assert x = 2; y = __assert_2;", "undeclared ident '__assert_2'",
+       "assert (x)=(1); assert (x)=(2); "},
+  };
+  for (const auto& row : rows) {
+    Program program;
+    EXPECT_EQ(0, program.read("function two(n : int) returns (p : int; q : int)"
+                              "node n(x : int) returns (y : int); var z, w : int; let " +
+                              std::string(row.body) + " tel"));
+    EXPECT_EQ(row.message, program.message()) << row.body;
+    const std::string text = squeezed(quarel(program));
+    EXPECT_EQ("let " + std::string(row.written) + "tel", text.substr(text.find("let ")))
+        << row.body;
+  }
+}
+
+TEST(Holes, InTypesReachExpressions) {
+  const struct {
+    const char *text, *message;
+  } rows[] = {
+      {"u", "type error: unexpected '$s'"},
+      {"i + u", "type error: unexpected '$s'"},
+      {"f(i)", "type error: bad 'f' operands"},
+      {"g(i, i)", "type error: bad 'g' operands"},
+      {"h(i)", "function 'h' has no known result type"},
+  };
+  for (const auto& row : rows) {
+    Program program;
+    program.read(
+        "function f(a : t) returns (b : int) function g(a : int; b : t) returns (c : int)"
+        "function h(a : int) returns (b : t) node n(u : t; i : int) returns (y : int); let tel");
+    EXPECT_EQ(nullptr, program.prg.exp_parse(row.text)) << row.text;
+    EXPECT_EQ(row.message, program.message()) << row.text;
+  }
+}
+
+TEST(Holes, KeepReplacedConstantsOfAnEnumeration) {
+  Program program("type t = (c, d, c); node n(d : int) returns (y : int); let tel");
+  EcType* type = program.prg.get_named_type(program.symbol("t"));
+  const char* by_rank[] = {"c", "d", "c"};
+  for (int rank = 0; rank < 3; ++rank) {
+    ASSERT_NE(nullptr, type->enum_const(rank));
+    EXPECT_STREQ(by_rank[rank], program.symbols.name(type->enum_const(rank)->name));
+    EXPECT_EQ(type, type->enum_const(rank)->type);
+  }
+  EXPECT_NE(program.ident("c"), type->enum_const(2));
+  EXPECT_EQ(program.prg.int_type, program.ident("d")->type);
+}
+
+// An equation or assertion gives its type and clock to its right side; but leaves are shared.
+TEST(Equations, LeaveLeavesAsDeclared) {
+  Program program(
+      "node n(x : int; k : real; c : bool) returns ((y : real) when c; (s : int) when c);"
+      "let y = x; s = x + 1; assert k; tel");
+  const int base = program.prg.true_clock;
+  EXPECT_EQ(program.prg.int_type, program.leaf("x")->type);
+  EXPECT_EQ(base, program.leaf("x")->clock);
+  EXPECT_EQ(program.prg.real_type, program.leaf("k")->type);
+  const Exp* sum = program.ident("s")->definition;
+  EXPECT_EQ(program.symbol("c"), sum->clock);
+  EXPECT_EQ(program.prg.int_type, sum->type);
+  EXPECT_EQ(base, program.ident("__assert_0")->clock);
+}

@@ -1,0 +1,81 @@
+#include <fstream>
+#include <sstream>
+
+#include "tests/support.h"
+
+static const struct {
+  std::string name;
+  bool reads_back;  // tuple equations are written without their parentheses
+} examples[] = {
+    {"counter", true}, {"edge", true},       {"elevator", false},
+    {"filter", false}, {"operators", false}, {"plant", false},
+    {"traffic", true}, {"thermostat", true}, {"watchdog", true},
+};
+
+static std::string contents(const std::string& path) {
+  std::stringstream text;
+  text << std::ifstream(path).rdbuf();
+  return text.str();
+}
+
+static std::string ec(Program& program, unsigned expected_result = 0) {
+  return stdout_of([&] { EXPECT_EQ(expected_result, program.prg.print_ec()); });
+}
+
+TEST(PrintedPrograms, AreTheExamplesExpected) {
+  for (const auto& example : examples) {
+    Program program, again;
+    const std::string path = SOURCE_DIR "/examples/" + example.name + ".ec";
+    ASSERT_EQ(0, EcParse(&program.prg, &program.symbols, path.c_str())) << path;
+    EXPECT_EQ("", program.message()) << path;
+    const std::string expected = SOURCE_DIR "/examples/expected/" + example.name;
+    EXPECT_EQ(contents(expected + ".quarel"), quarel(program)) << path;
+    const std::string text = ec(program);
+    EXPECT_EQ(contents(expected + ".ectext"), text) << path;
+    EXPECT_EQ(example.reads_back ? 0 : 1, again.read(text)) << path << again.message();
+    if (!example.reads_back) continue;
+    EXPECT_EQ(text, ec(again)) << path;
+  }
+}
+
+TEST(PrintedPrograms, StopOrGoOnAtAnUndeclaredFunction) {
+  Program program(
+      "function f(a : int) returns (b : int); function h(a : int) returns (b : int);"
+      "function two(a : int) returns (b : int; c : int);"
+      "node n((x : int) when c) returns (y : int); let y = x; tel");
+  append_list(program.prg.functions->next, program.symbol("unused"));
+  program.prg.functions->value = program.symbol("f");
+  program.prg.functions->next->value = program.symbol("100%s");
+  EXPECT_EQ("\nfunction f (a : int)\nreturns (b : int);\n", ec(program, 1));
+  EXPECT_EQ("undeclared function `100%s`", program.message());
+  program.prg.error_message[0] = '\0';
+  EXPECT_EQ(
+      "\nfunction f (a : int)\nreturns (b : int);\n"
+      "\nfunction two (a : int)\nreturns (b : int; c : int);\n"
+      "\nnode n( \n   ( x : int ) when c\n) returns (\n   y : int\n);\n\nlet\n   y = x;\ntel",
+      quarel(program));
+  EXPECT_EQ("undeclared function `100%s`", program.message());
+}
+
+// Declared one by one, as editing does.
+TEST(PrintedPrograms, MayLackAlmostEverything) {
+  Program program;
+  EcPrg& prg = program.prg;
+  prg.add_usr_func(program.symbol("f"), prg.int_type, prg.int_type, nullptr, nullptr);
+  prg.add_output(program.symbol("%d"), prg.int_type, -1, 0);
+  EXPECT_EQ(
+      "\nfunction f ()\nreturns ();\n\nnode ?( \n) returns (\n   ( %d : int ) when ?\n);\n\n"
+      "let\ntel.",
+      ec(program));
+}
+
+// The two writers cut a clock into different pieces.
+TEST(PrintedPrograms, BreakBetweenPieces) {
+  const std::string name(62, 'x');
+  Program program("node n((" + name + " : int) when c) returns (y : int); let tel");
+  const auto has = [](const std::string& text, const std::string& part) {
+    EXPECT_NE(std::string::npos, text.find(part)) << text;
+  };
+  has(quarel(program), "   ( " + name + " : int )\n when c\n)");
+  has(ec(program), "   ( " + name + " : int\n ) when c\n)");
+}
