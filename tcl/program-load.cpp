@@ -66,6 +66,8 @@ FILE* EcPrgVar::open_channel(const Operation& operation, const char* name) {
   ClientData handle;
   if ((mode & TCL_READABLE) == 0 ||
       Tcl_GetChannelHandle(channel, TCL_READABLE, &handle) != TCL_OK) {
+    // What Tcl says of a channel without a descriptor would fail the next operation on it.
+    Tcl_SetChannelError(channel, nullptr);
     call_error({{"STATE", "CHANNEL", name}}, "%s: channel '%s' is unreadable", operation.word,
                name);
     return nullptr;

@@ -1,5 +1,7 @@
 // Operations that ask a program and change nothing but its symbol table.
 
+#include <cstdlib>
+
 #include "foundation/errors.h"
 #include "tcl/dorvik.h"
 #include "tcl/interned_text.h"
@@ -17,7 +19,9 @@ int EcPrgVar::query_result(const Operation& operation, const char* parameter, co
 int EcPrgVar::select(const Operation& operation, const char* index, int* symbol) {
   int i;
   if (monatoi(index, &i) != 0) return usage_error(operation);
-  if (extract(prg.get()->*operation.section->names, i, symbol) != 0)
+  // A number beyond an int was cut, perhaps to one that is an index.
+  const bool cut = std::strtol(index, nullptr, 10) != i;
+  if (cut || extract(prg.get()->*operation.section->names, i, symbol) != 0)
     return call_error({{"LOOKUP", "INDEX", index}}, "%s %s : index out of bounds", command_name(),
                       operation.word);
   return TCL_OK;

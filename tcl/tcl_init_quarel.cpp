@@ -5,12 +5,13 @@ static char start_up_script[] = R"(
 proc quarelSetTclLib {} {
     #puts "Entering quarelSetTclLib"
     global env tcl_library tk_library quarel_install
+    set code {TAMSEL STATE INSTALLATION}
     if {![info exists env(QUAREL_INSTALL)]} {
-        error "INSTALLATION PROBLEM:\n==> environment variable QUAREL_INSTALL not defined\n"
+        error "INSTALLATION PROBLEM:\n==> environment variable QUAREL_INSTALL not defined\n" {} $code
     }
     set quarel_install $env(QUAREL_INSTALL)
     if {![file exist $quarel_install]} {
-        error "INSTALLATION PROBLEM:\n==> can't access $quarel_install"
+        error "INSTALLATION PROBLEM:\n==> can't access $quarel_install" {} $code
     }
     set quarel_install_tcl [file join $quarel_install "tcl"]
     lappend tcl_libPath $quarel_install_tcl

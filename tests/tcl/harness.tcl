@@ -1,0 +1,101 @@
+# What every Tcl test file begins with: the library, loaded, and the helpers below. It ends with `finish`.
+#
+# Environment: TAMSEL_LIBRARY, the library to test; TAMSEL_SOURCE, the root of the source tree.
+
+package require tcltest 2
+namespace import ::tcltest::test ::tcltest::cleanupTests
+
+set source_dir $env(TAMSEL_SOURCE)
+set scratch [file join [::tcltest::temporaryDirectory] tamsel-test-[pid]]
+file mkdir $scratch
+load $env(TAMSEL_LIBRARY)
+
+# The path of a file called `name` in the scratch folder, with `text` in it.
+proc write_file {name text} {
+    set path [file join $::scratch $name]
+    set channel [open $path w]
+    fconfigure $channel -translation binary
+    puts -nonewline $channel $text
+    close $channel
+    return $path
+}
+
+# The bytes of a file.
+proc read_file {path} {
+    set channel [open $path r]
+    fconfigure $channel -translation binary
+    set text [read $channel]
+    close $channel
+    return $text
+}
+
+# The path of an example.
+proc example {name} {
+    file join $::source_dir examples $name
+}
+
+# Runs `script` in a fresh `shell` with `args` in argv and nothing on standard input, and returns
+# {exit-status standard-output standard-error}.
+proc run_shell {shell script args} {
+    set path [write_file child.tcl "$script\nexit 0\n"]
+    set out [file join $::scratch child.out]
+    set err [file join $::scratch child.err]
+    set status 0
+    if {[catch {exec $shell $path {*}$args < /dev/null > $out 2> $err} _ options]} {
+        set code [dict get $options -errorcode]
+        set status [expr {[lindex $code 0] eq "CHILDSTATUS" ? [lindex $code 2] : $code}]
+    }
+    list $status [read_file $out] [read_file $err]
+}
+
+# The same in a tclsh that has loaded the library.
+proc run_child {script args} {
+    run_shell [info nameofexecutable] "load [list $::env(TAMSEL_LIBRARY)]\n$script" {*}$args
+}
+
+# Runs a tool on its own, without what a sanitized library needs.
+proc run_tool {args} {
+    exec env -u LD_PRELOAD {*}$args
+}
+
+# The result and errorCode of a script that must fail.
+proc failure {script} {
+    if {![catch {uplevel 1 $script} result options]} {
+        error "succeeded with: $result"
+    }
+    list $result [dict get $options -errorcode]
+}
+
+# For tables: rows of a script and its result, and rows of a script, its error and its errorCode. Both
+# return what differs, a line for each such row, and so nothing for a table that holds.
+proc wrong_results {rows} {
+    set wrong {}
+    foreach {script result} $rows {
+        set caught [catch {uplevel 1 $script} found]
+        if {$caught || $found ne $result} {append wrong "$script\n    gives $found\n    not $result\n"}
+    }
+    return $wrong
+}
+proc wrong_failures {rows} {
+    set wrong {}
+    foreach {script text code} $rows {
+        catch {uplevel 1 [list failure $script]} found
+        if {$found ne [list $text $code]} {
+            append wrong "$script\n    gives $found\n    not [list $text $code]\n"
+        }
+    }
+    return $wrong
+}
+
+# The error result of an operation on command `name`.
+proc bad_call {name text} {
+    return "Dorvik: bad `$name' call\n=> $text"
+}
+
+# Reports, cleans up and exits with status 1 if a test failed or none ran.
+proc finish {} {
+    set failed [expr {$::tcltest::numTests(Failed) > 0 || $::tcltest::numTests(Passed) == 0}]
+    cleanupTests
+    file delete -force $::scratch
+    exit $failed
+}
