@@ -60,6 +60,7 @@ TEST(Holes, InEquations) {
       {"(nosuch, y) = two(x); y = 1;", "undeclared ident 'nosuch'", "y = 1; "},
       {"(y, z) = two(nosuch); (z, w) = two(x);", "undeclared ident 'nosuch'", "z, w = two(x); "},
       {"(y, z) = nosuch(x);", "", "y, z = nosuch(x); "},
+      {"y = 1; y = nosuch;", "undeclared ident 'nosuch'", "y = 1; "},
       {"y = 1; y = 2;", "ident 'y' is already defined", "y = 2; "},
       {"y = 1; (z, y) = two(x); z = 3;", "ident 'y' is already defined", "y = 1; z = 3; "},
       {"(y, z) = two(x); z = 1;", "ident 'z' is already defined", "y, z = two(x); "},

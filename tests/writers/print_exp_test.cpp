@@ -78,7 +78,7 @@ TEST(PrintedExpressions, CoverWhatCallersBuild) {
       {w.node(PROJ_n, w("two(i)"), 2), "proj(2)(two(i))"},
       {w.call("f", {w("i"), w("j")}), "f(i, j)"},
       {w.call("f", {w("(i, - j)")}), "f(i, -(j))"},
-      {w.call("f", {w("(i, j)"), w("k")}), "f(i, j)"},
+      {w.call("f", {w("(i, j)"), w("- k")}), "f(i, j)"},
       {w.call("f", {w("k"), w("(i, j)")}), "f(k, (i, j))"},
       {w.call("g", {w("pre (i, j)")}), "g(pre((i, j)))"},
       // Integer factors keep their sign behind a minus.
