@@ -24,13 +24,6 @@ static char* page_start(STapePage* page) {
 }
 
 StringTape::~StringTape() {
-  for (int bucket = 0; hash_table != nullptr && bucket < hash_size; ++bucket) {
-    for (STapeHashItem* item = hash_table[bucket]; item != nullptr;) {
-      STapeHashItem* behind = item->next;
-      delete item;
-      item = behind;
-    }
-  }
   delete[] hash_table;
   while (current_page != nullptr) {
     STapePage* behind = current_page->next;
@@ -66,22 +59,15 @@ int StringTape::hash_code(const char* s) const {
   return static_cast<int>((group + sum) % static_cast<unsigned>(hash_size));
 }
 
-// The item of `s` in `bucket`, or null. Stores the number of other items passed.
-STapeHashItem* StringTape::search(const char* s, int bucket, int* walked) const {
-  *walked = 0;
-  STapeHashItem* item = hash_table[bucket];
-  for (; item != nullptr && strcmp(item->str, s) != 0; item = item->next) ++*walked;
-  return item;
-}
-
-// A walk that found nothing. The statistic stands one above the longest that raised it.
-void StringTape::note_vain_walk(int walked) {
+// The statistic stands one above the longest walk that raised it.
+void StringTape::note_vain_walk(int bucket) {
+  const STapeHashItem* head = hash_table[bucket];
+  const int walked = head != nullptr ? head->depth : 0;
   if (walked > coll_max) coll_max = walked + 1;
 }
 
-// The copy of `s` in a page.
-char* StringTape::store(const char* s) {
-  const size_t size = strlen(s) + 1;
+// The copy in a page of `s`, which has `size` characters with its end.
+char* StringTape::store(const char* s, size_t size) {
   if (size > PageRoom) {
     STapePage* page = new_page(size);
     // Behind the current page, which goes on being filled.
@@ -104,24 +90,28 @@ char* StringTape::store(const char* s) {
 }
 
 STapeHashItem* StringTape::internal_add(const char* s) {
-  const int bucket = hash_code(s);
-  int walked;
-  if (STapeHashItem* known = search(s, bucket, &walked)) return known;
+  const size_t length = strlen(s);
+  const uint64_t hash = index_.hash(s, length);
+  if (STapeHashItem* known = index_.find(s, hash)) return known;
   // What can fail stands first, so that a failure leaves the tape as it was.
-  auto item = std::make_unique<STapeHashItem>();
-  item->str = store(s);
-  if (hash_table[bucket] == nullptr) ++occupied;
-  note_vain_walk(walked);
+  index_.make_room();
+  auto* item = static_cast<STapeHashItem*>(items_.allocate(sizeof(STapeHashItem)));
+  item->str = store(s, length + 1);
+  const int bucket = hash_code(s);
+  STapeHashItem* behind = hash_table[bucket];
+  if (behind == nullptr) ++occupied;
+  note_vain_walk(bucket);
   item->number = ++nb_strings;
-  item->next = hash_table[bucket];
-  hash_table[bucket] = item.release();
-  return hash_table[bucket];
+  item->depth = behind != nullptr ? behind->depth + 1 : 1;
+  item->next = behind;
+  hash_table[bucket] = item;
+  index_.insert(item, hash);
+  return item;
 }
 
 STapeHashItem* StringTape::internal_find(const char* s) {
-  int walked;
-  STapeHashItem* item = search(s, hash_code(s), &walked);
-  if (item == nullptr) note_vain_walk(walked);
+  STapeHashItem* item = index_.find(s, index_.hash(s, strlen(s)));
+  if (item == nullptr) note_vain_walk(hash_code(s));
   return item;
 }
 

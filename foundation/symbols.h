@@ -11,8 +11,10 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "foundation/arena.h"
 #include "foundation/chunks.h"
 #include "foundation/text.h"
+#include "foundation/textindex.h"
 
 // One page of string storage. A string that no ordinary page can hold gets a longer page of its
 // own.
@@ -24,10 +26,12 @@ struct STapePage {
 struct STapeHashItem {
   char* str;            // in a page, which owns the characters
   int number;           // from 1, in order of insertion
+  int depth;            // items of the bucket from this one on
   STapeHashItem* next;  // of the same bucket; owned by the tape
 };
 
-// Stores the characters of every distinct string in pages and finds them through chained buckets.
+// Stores the characters of every distinct string in pages. The buckets are fixed in number and say
+// how names collide; names are found through an index beside them, which grows.
 class StringTape {
  public:
   StringTape() = default;
@@ -54,9 +58,12 @@ class StringTape {
   char* page_cursor = nullptr;  // where the next string goes
 
  private:
-  STapeHashItem* search(const char* s, int bucket, int* walked) const;
-  void note_vain_walk(int walked);
-  char* store(const char* s);
+  // Notes in the statistic that a walk through `bucket` would have been in vain.
+  void note_vain_walk(int bucket);
+  char* store(const char* s, size_t size);
+
+  TextIndex<STapeHashItem> index_;
+  Arena items_;
 };
 
 // Texts by number: entry i belongs to symbol i + 1. The texts live in the tape.
