@@ -33,6 +33,19 @@ Exp::~Exp() {
     delete infos;
     infos = behind;
   }
+  if (!in_arena_) delete[] args;
+}
+
+void ExpHeap::cut_back(const Mark& mark) {
+  while (nodes_.size() > mark.size) {
+    Exp* e = nodes_.back();
+    nodes_.pop_back();
+    if (e->in_arena_)
+      e->~Exp();
+    else
+      delete e;
+  }
+  arena_.cut_back(mark.arena);
 }
 
 // The heaps and maps follow, as members: replaced records are deleted after the others, and

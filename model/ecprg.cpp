@@ -21,10 +21,13 @@ void EcPrg::EcPrgInit(SymbolTable* table) {
 
 // --- Records.
 
-// Makes `record` what `symbol` stands for.
-void EcPrg::install(int symbol, std::unique_ptr<SymbolInfo> record) {
-  SymbolInfo*& slot = (*infos)[symbol];
+// The place of the record of `symbol`, with room to keep the one that it may hold.
+SymbolInfo*& EcPrg::prepare_slot(int symbol) {
   replaced_.make_room();
+  return (*infos)[symbol];
+}
+
+void EcPrg::install(SymbolInfo*& slot, std::unique_ptr<SymbolInfo> record) noexcept {
   if (slot != nullptr) replaced_.enter(slot);
   slot = record.release();
 }
@@ -32,14 +35,13 @@ void EcPrg::install(int symbol, std::unique_ptr<SymbolInfo> record) {
 // Gives `symbol` an identifier's record and the leaf that stands for it.
 IdentInfo* EcPrg::declare(IdentMode mode, ExpNature leaf, int symbol, EcType* type, int clock) {
   auto record = std::make_unique<IdentInfo>(mode, symbol, type, clock);
-  auto node = std::make_unique<Exp>(leaf, symbol, type, clock);
   IdentInfo* ident = record.get();
   info_heap.make_room();
-  exp_heap.make_room();
-  install(symbol, std::move(record));
-  info_heap.enter(ident);
-  ident->ident_exp = exp_heap.enter(node.release());
+  SymbolInfo*& slot = prepare_slot(symbol);
+  ident->ident_exp = exp_heap.leaf(leaf, symbol, type, clock);
   if (leaf != ECREF_n) ident->definition = ident->ident_exp;
+  install(slot, std::move(record));
+  info_heap.enter(ident);
   return ident;
 }
 
@@ -94,7 +96,7 @@ void EcPrg::add_usr_func(int symbol, EcType* param_type, EcType* result_type, In
   auto record = std::make_unique<FuncInfo>(symbol, param_type, result_type, held_params.release(),
                                            held_results.release());
   FuncInfo* function = record.get();
-  install(symbol, std::move(record));
+  install(prepare_slot(symbol), std::move(record));
   if (function->tuple_result) {
     function->index = nb_tuple_functions++;
     tuple_functions = append(tuple_functions, cell.release());
@@ -142,10 +144,7 @@ IdentInfo* EcPrg::declared_ident(int symbol) {
 // --- Equations and assertions.
 
 Exp* EcPrg::enter(Exp* e) {
-  std::unique_ptr<Exp> node(e);
-  if (e == nullptr) return nullptr;
-  exp_heap.make_room();
-  return exp_heap.enter(node.release());
+  return e != nullptr ? exp_heap.enter(std::unique_ptr<Exp>(e)) : nullptr;
 }
 
 // What an equation or assertion says of its right side. A leaf is shared with every other use of
@@ -181,16 +180,14 @@ IdentInfo* EcPrg::define_tuple(IntList* names, Exp* e) {
   }
   if (e == nullptr || records.empty()) return nullptr;
 
-  exp_heap.make_room(records.size());
-  std::vector<std::unique_ptr<Exp>> projections;
-  for (IdentInfo* record : records) {
-    const int order = static_cast<int>(projections.size()) + 1;
-    projections.push_back(std::make_unique<Exp>(PROJ_n, e, order));
-    set_type_and_clock(projections.back().get(), record->type, record->clock);
+  std::vector<Exp*> projections;
+  for (const IdentInfo* record : records) {
+    projections.push_back(exp_heap.node(PROJ_n, 1, &e, static_cast<int>(projections.size()) + 1));
+    set_type_and_clock(projections.back(), record->type, record->clock);
   }
   tuple_names_.push_back(std::move(held));
   for (size_t i = 0; i < records.size(); ++i) {
-    records[i]->definition = exp_heap.enter(projections[i].release());
+    records[i]->definition = projections[i];
     records[i]->tuple_names = names;
   }
   return records.back();
@@ -204,7 +201,7 @@ void EcPrg::add_assertion(Exp* e) {
   IdentInfo* assertion = record.get();
   assertion->definition = e;
   info_heap.make_room();
-  install(symbol, std::move(record));
+  install(prepare_slot(symbol), std::move(record));
   info_heap.enter(assertion);
   set_type_and_clock(e, bool_type, assertion->clock);
   assertions = append(assertions, cell.release());
@@ -212,7 +209,7 @@ void EcPrg::add_assertion(Exp* e) {
 }
 
 EcPrg::Mark EcPrg::mark() const {
-  return {exp_heap.size(), info_heap.size(), replaced_.size(), types};
+  return {exp_heap.mark(), info_heap.size(), replaced_.size(), types};
 }
 
 void EcPrg::roll_back(const Mark& mark) {

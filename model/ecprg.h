@@ -83,7 +83,7 @@ class EcPrg {
   // A point to which what expressions made of their own (nodes, literals, tuple types) can be taken
   // back. Nothing else may be declared between the two calls.
   struct Mark {
-    size_t expressions;
+    ExpHeap::Mark expressions;
     size_t records;
     size_t replaced;
     EcType* types;
@@ -171,7 +171,8 @@ class EcPrg {
   ExpRefusal exp_refusal = ExpRefusal::none;
 
  private:
-  void install(int name, std::unique_ptr<SymbolInfo> record);
+  SymbolInfo*& prepare_slot(int symbol);
+  void install(SymbolInfo*& slot, std::unique_ptr<SymbolInfo> record) noexcept;
   IdentInfo* declare(IdentMode mode, ExpNature leaf, int name, EcType* type, int clock);
   Exp* constant(int name, IdentMode mode, EcType* type);
   EcType* add_type(EcType* type);

@@ -80,20 +80,8 @@ void ExpList::concat(ExpList* other) {
   cell->next = other;
 }
 
-ExpList* reversed(ExpList* list) {
-  ExpList* done = nullptr;
-  while (list != nullptr) {
-    ExpList* rest = list->next;
-    list->next = done;
-    list->length = done != nullptr ? done->length + 1 : 1;
-    done = list;
-    list = rest;
-  }
-  return done;
-}
-
-Exp::Exp(ExpNature kind, int n, Exp** a) : nature(kind), nb_args(n), args(new Exp*[n]) {
-  std::copy_n(a, n, args.get());
+Exp::Exp(ExpNature kind, int n, Exp* const* a) : nature(kind), nb_args(n), args(new Exp*[n]) {
+  std::copy_n(a, n, args);
 }
 
 Exp::Exp(ExpNature kind, Exp* a) : Exp(kind, 1, &a) {}
@@ -107,7 +95,7 @@ Exp::Exp(ExpNature kind, Exp* a, Exp* b, Exp* c)
 
 Exp::Exp(ExpNature kind, ExpList* list)
     : nature(kind), nb_args(list->length), args(new Exp*[list->length]) {
-  Exp** place = args.get();
+  Exp** place = args;
   for (const ExpList* cell = list; cell != nullptr; cell = cell->next) *place++ = cell->exp;
 }
 
@@ -127,6 +115,33 @@ Exp::Exp(ExpNature kind, int symbol, EcType* leaf_type, int leaf_clock)
     : type(leaf_type), clock(leaf_clock), ident(symbol), nature(kind) {}
 
 Exp::Exp(ExpNature kind, int symbol, EcType* leaf_type) : Exp(kind, symbol, leaf_type, -1) {}
+
+// The operands stand behind the node, in the same piece of memory.
+Exp* ExpHeap::node(ExpNature kind, int n, Exp* const* operands, int rank) {
+  static_assert(sizeof(Exp) % alignof(Exp*) == 0, "operands can stand behind a node");
+  void* room = arena_.allocate(sizeof(Exp) + static_cast<size_t>(n) * sizeof(Exp*));
+  Exp* e = new (room) Exp(kind, 0, nullptr, -1);
+  e->in_arena_ = true;
+  e->nb_args = n;
+  e->args = reinterpret_cast<Exp**>(e + 1);
+  e->order = rank;
+  std::copy_n(operands, n, e->args);
+  nodes_.push_back(e);
+  return e;
+}
+
+Exp* ExpHeap::leaf(ExpNature kind, int symbol, EcType* type, int clock) {
+  Exp* e = node(kind, 0, nullptr);
+  e->ident = symbol;
+  e->type = type;
+  e->clock = clock;
+  return e;
+}
+
+Exp* ExpHeap::enter(std::unique_ptr<Exp> e) {
+  nodes_.push_back(e.get());
+  return e.release();
+}
 
 int Exp::projection_order() {
   if (nature == PROJ_n) return order;

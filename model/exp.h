@@ -5,17 +5,18 @@
 #ifndef MODEL_EXP_H
 #define MODEL_EXP_H
 
+#include <deque>
 #include <memory>
 
+#include "foundation/arena.h"
 #include "foundation/fract.h"
-#include "model/heap.h"
 
 class EcType;
 class Exp;
 class PtyStream;
 class SymbolTable;
 
-enum ExpNature {
+enum ExpNature : unsigned char {
   ERROR_n = 0,
   CONST_n,
   INPUT_n,
@@ -139,10 +140,6 @@ class ExpList {
   ExpList* next;  // owned
 };
 
-// Takes a list, which may be null, and hands over the same cells in the opposite order. Linear, so
-// a list grown at its front and reversed once costs less than one that grows by concat.
-ExpList* reversed(ExpList* list);
-
 class Exp {
  public:
   Exp(ExpNature kind, Exp* a);
@@ -154,7 +151,7 @@ class Exp {
   Exp(ExpNature kind, ExpList* list);
   // The `n` (from 0) operands of the array `a`, which is copied, as are the coefficients of a
   // linear combination; `k` is its constant.
-  Exp(ExpNature kind, int n, Exp** a);
+  Exp(ExpNature kind, int n, Exp* const* a);
   Exp(ExpNature kind, int n, Exp** a, Fract* coefficients, Fract k);
   Exp(ExpNature kind, int n, Exp** a, int* coefficients, int k);
   // Leaves.
@@ -191,14 +188,47 @@ class Exp {
   int ident = 0;             // symbol of a leaf
   ExpNature nature;
   int nb_args = 0;
-  std::unique_ptr<Exp*[]> args;     // `nb_args` operands; the nodes are the program's
-  int order = 0;                    // see the constructor
+  Exp** args = nullptr;  // `nb_args` operands; the array is owned, the nodes are the program's
+  int order = 0;         // see the constructor
   std::unique_ptr<int[]> ints;      // one coefficient an operand, or null
   int int_param = 0;                // the constant that goes with `ints`
   std::unique_ptr<Fract[]> coeffs;  // one coefficient an operand, or null
   Fract constant = Fract(0);        // the constant that goes with `coeffs`
+
+ private:
+  friend class ExpHeap;
+  bool in_arena_ = false;  // with its array of operands
 };
 
-using ExpHeap = Heap<Exp>;
+// The nodes of a program, in the order of their making. Owns them.
+class ExpHeap {
+ public:
+  // How many nodes there were at some time.
+  struct Mark {
+    size_t size;
+    Arena::Mark arena;
+  };
+
+  ExpHeap() = default;
+  ~ExpHeap() { cut_back({0, {nullptr, 0}}); }
+  ExpHeap(const ExpHeap&) = delete;
+  ExpHeap& operator=(const ExpHeap&) = delete;
+
+  // Make a node with `n` operands, which are copied, and a leaf. These take no more memory than
+  // they need, and are not to be deleted. Throw bad_alloc with nothing changed.
+  Exp* node(ExpNature kind, int n, Exp* const* operands, int rank = 0);
+  Exp* leaf(ExpNature kind, int symbol, EcType* type, int clock);
+  // Takes a node that was made with `new`, also when it throws bad_alloc.
+  Exp* enter(std::unique_ptr<Exp> e);
+
+  size_t size() const { return nodes_.size(); }
+  Mark mark() const { return {nodes_.size(), arena_.mark()}; }
+  // Deletes the nodes made since `mark`.
+  void cut_back(const Mark& mark);
+
+ private:
+  Arena arena_;
+  std::deque<Exp*> nodes_;
+};
 
 #endif

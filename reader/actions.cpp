@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <new>
+#include <vector>
 
 bool reader_out_of_memory;
 
@@ -49,7 +50,14 @@ std::unique_ptr<IntList> alternated(const IntList* names, const IntList* types) 
   return held;
 }
 
-Exp* entered(Exp* node) { return YY_ecprg->enter(node); }
+// A node of the program with operands that are not null.
+template <class... Operands>
+Exp* node(ExpNature nature, int rank, Operands... operands) {
+  return attempt([=] {
+    Exp* const list[] = {operands...};
+    return YY_ecprg->exp_heap.node(nature, sizeof...(operands), list, rank);
+  });
+}
 
 }  // namespace
 
@@ -135,22 +143,22 @@ Exp* real_constant(const char* text) {
 
 Exp* unary(ExpNature nature, Exp* a) {
   if (a == nullptr) return nullptr;
-  return attempt([=] { return entered(new Exp(nature, a)); });
+  return node(nature, 0, a);
 }
 
 Exp* binary(ExpNature nature, Exp* a, Exp* b) {
   if (a == nullptr || b == nullptr) return nullptr;
-  return attempt([=] { return entered(new Exp(nature, a, b)); });
+  return node(nature, 0, a, b);
 }
 
 Exp* conditional(Exp* condition, Exp* then, Exp* otherwise) {
   if (condition == nullptr || then == nullptr || otherwise == nullptr) return nullptr;
-  return attempt([=] { return entered(new Exp(IF_n, condition, then, otherwise)); });
+  return node(IF_n, 0, condition, then, otherwise);
 }
 
 Exp* call(int function, Exp* argument) {
   if (argument == nullptr) return nullptr;
-  return attempt([=] { return entered(new Exp(CALL_n, argument, function)); });
+  return node(CALL_n, function, argument);
 }
 
 ExpList* new_exp_list(Exp* e) {
@@ -168,6 +176,11 @@ ExpList* and_then(ExpList* list, Exp* e) {
 
 Exp* list_operator(ExpNature nature, ExpList* list) {
   if (list == nullptr) return nullptr;
-  std::unique_ptr<ExpList> held(reversed(list));
-  return attempt([&] { return entered(new Exp(nature, held.get())); });
+  std::unique_ptr<ExpList> held(list);
+  return attempt([=] {
+    std::vector<Exp*> operands(static_cast<size_t>(list->length));
+    auto place = operands.rbegin();
+    for (const ExpList* cell = list; cell != nullptr; cell = cell->next) *place++ = cell->exp;
+    return YY_ecprg->exp_heap.node(nature, list->length, operands.data());
+  });
 }
