@@ -61,9 +61,3 @@ int read_int(const char* text, const char** end) {
 double read_double(const char* text) { return strtod_l(text, nullptr, plain_locale()); }
 
 float read_float(const char* text) { return strtof_l(text, nullptr, plain_locale()); }
-
-bool is_blank(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-bool is_digit(int c) { return c >= '0' && c <= '9'; }
-
-bool is_letter(int c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }

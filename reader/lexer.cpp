@@ -67,10 +67,12 @@ const Keyword SpecKeywords[] = {
 const char single_characters[] = "./:;)#%+,";
 const char doubled_characters[] = "(*-<=>";  // those that may begin a longer lexeme
 
+// The row of `text`, or null. Rows are told apart by their first character before anything is
+// compared.
 template <size_t rows>
 const Keyword* find_text(const Keyword (&table)[rows], const char* text) {
   for (const Keyword& row : table)
-    if (std::strcmp(row.text, text) == 0) return &row;
+    if (row.text[0] == text[0] && std::strcmp(row.text, text) == 0) return &row;
   return nullptr;
 }
 
@@ -108,18 +110,19 @@ int unknown_character() {
 // The lexeme in `buffer`. No lexeme is ever cut: one that does not fit is an error of the text.
 class Lexeme {
  public:
-  Lexeme() { buffer[0] = '\0'; }
   void take() {  // the current character
-    if (size_ < sizeof buffer - 1) {
+    if (size_ < sizeof buffer - 1)
       buffer[size_++] = static_cast<char>(carcour);
-      buffer[size_] = '\0';
-    } else {
+    else
       fits_ = false;
-    }
     advance();
   }
   void take_digits() {
     while (is_digit(carcour)) take();
+  }
+  const char* text() {
+    buffer[size_] = '\0';
+    return buffer;
   }
   // Delivers `token`, with the text as its value where `carries_text`.
   int deliver(int token, bool carries_text) {
@@ -127,7 +130,7 @@ class Lexeme {
       if (YY_ecprg != nullptr) YY_ecprg->error("lexical error: lexeme too long, line '%d'", yyline);
       return lexical_error();
     }
-    if (carries_text) std::memcpy(ecprg_lval.text, buffer, size_ + 1);
+    if (carries_text) std::memcpy(ecprg_lval.text, text(), size_ + 1);
     return YY_result = token;
   }
 
@@ -161,7 +164,7 @@ int number() {
 int name_or_keyword() {
   Lexeme lexeme;
   while (continues_name(carcour)) lexeme.take();
-  const Keyword* keyword = find_text(Keywords, buffer);
+  const Keyword* keyword = find_text(Keywords, lexeme.text());
   if (keyword != nullptr) return lexeme.deliver(keyword->token, keyword->carries_text);
   return lexeme.deliver(IDENT, true);
 }
@@ -185,7 +188,7 @@ void skip_line_comment() {
 
 int GetChar(int* c) {
   if (YY_instring == nullptr)
-    *c = std::fgetc(YY_infile);
+    *c = getc_unlocked(YY_infile);  // by one thread, as all of the reader
   else if (*YY_instring == '\0')
     *c = -1;  // and stay there
   else
