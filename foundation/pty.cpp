@@ -67,16 +67,21 @@ void PtyStream::untab() {
   --tab_depth;
 }
 
+// A stream is used by one thread, so its characters need no lock each. Most pieces are a few
+// characters.
+void PtyStream::write(const char* text, size_t length) {
+  for (const char* end = text + length; text != end; ++text)
+    if (putc_unlocked(*text, file) == EOF) keep_first(&write_error_, errno);
+}
+
 void PtyStream::end_line() {
-  if (putc('\n', file) == EOF) keep_first(&write_error_, errno);
-  flush();
+  write("\n", 1);
+  if (flushes_lines) flush();
 }
 
 void PtyStream::cr() {
   end_line();
-  for (int i = 0; i < tab_depth; ++i) {
-    if (fputs(tab_string.c_str(), file) == EOF) keep_first(&write_error_, errno);
-  }
+  for (int i = 0; i < tab_depth; ++i) write(tab_string.data(), tab_string.size());
   column = capped(static_cast<unsigned long long>(tab_string.size()) *
                   static_cast<unsigned long long>(tab_depth));
 }
@@ -92,12 +97,13 @@ void PtyStream::piece(const char* text, size_t length) {
     end_line();
     column = capped(length);
   }
-  if (fwrite(text, 1, length, file) != length) keep_first(&write_error_, errno);
+  write(text, length);
 }
 
 void PtyStream::put_text(const char* text) {
   while (*text != '\0') {
-    const size_t length = strcspn(text, "\n\f");
+    size_t length = 0;
+    while (text[length] != '\0' && text[length] != '\n' && text[length] != '\f') ++length;
     piece(text, length);  // also where it is empty: the line may have reached the width
     text += length;
     if (*text == '\0') return;

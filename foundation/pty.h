@@ -62,11 +62,13 @@ class PtyStream {
   int tab_depth = 0;
   int column = 0;
   int width;
+  bool flushes_lines = true;  // false: leaves it to the file when to write
 
   static PtyStream* _of_stdout;
   static PtyStream* _of_stderr;
 
  private:
+  void write(const char* text, size_t length);
   void end_line();
   void piece(const char* text, size_t length);
 

@@ -1,6 +1,7 @@
 // Operations that make, read, write and sum up the program of an object.
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -114,6 +115,9 @@ int EcPrgVar::dump(const Operation& operation, int nparams, const char* params[]
     return call_error(io_error(name), "%s: can't open file '%s'", operation.word, name);
   Verbose("--dumping in %s ....\n", name);
   PtyStream out(file, 80, nullptr);
+  // A file is looked at when the text is whole; a terminal or a pipe gets each line as it is done.
+  struct stat kind;
+  out.flushes_lines = fstat(fileno(file), &kind) != 0 || !S_ISREG(kind.st_mode) || file == stdout;
   prg->print_quarel(&out);
   errno = out.close();
   if (errno != 0)
