@@ -6,7 +6,7 @@ package require tcltest 2
 namespace import ::tcltest::test ::tcltest::cleanupTests
 
 set source_dir $env(TAMSEL_SOURCE)
-set scratch [file join [::tcltest::temporaryDirectory] tamsel-test-[pid]]
+set scratch [file join [expr {[info exists env(TMPDIR)] ? $env(TMPDIR) : "/tmp"}] tamsel-test-[pid]]
 file mkdir $scratch
 load $env(TAMSEL_LIBRARY)
 
