@@ -128,9 +128,10 @@ int EcPrgVar::equation(const Operation& operation, int, const char* params[]) {
   if (find_exp(operation, params[1], &e) != TCL_OK) return TCL_ERROR;
   const EcType* type = prg->type(e);
   if (type != ident->type) {
+    const char* found = type_name(type);  // asked first: the type may be the expression's own
     prg->roll_back(before);
     return call_error({{"TYPE", "EQUATION", name}}, "%s %s : bad type combination '%s = %s'",
-                      command_name(), operation.word, type_name(ident->type), type_name(type));
+                      command_name(), operation.word, type_name(ident->type), found);
   }
   const char* handle = exp2string(e);
   Verbose(2, "=> %s %s %s = (", operation.word, name, handle);

@@ -16,12 +16,47 @@ int deliver_error(Tcl_Interp* interp, const ErrorCode& code, const std::string& 
   return TCL_ERROR;
 }
 
+namespace {
+
+// A global variable, to be put back as it was.
+class SavedVariable {
+ public:
+  SavedVariable(Tcl_Interp* interp, const char* name)
+      : interp_(interp), name_(name), value_(read()) {
+    if (value_ != nullptr) Tcl_IncrRefCount(value_);
+  }
+  ~SavedVariable() {
+    if (value_ != nullptr) Tcl_DecrRefCount(value_);
+  }
+  SavedVariable(const SavedVariable&) = delete;
+  SavedVariable& operator=(const SavedVariable&) = delete;
+
+  void restore() {
+    if (value_ != nullptr && read() != value_)
+      Tcl_SetVar2Ex(interp_, name_, nullptr, value_, TCL_GLOBAL_ONLY);
+  }
+
+ private:
+  Tcl_Obj* read() const { return Tcl_GetVar2Ex(interp_, name_, nullptr, TCL_GLOBAL_ONLY); }
+
+  Tcl_Interp* interp_;
+  const char* name_;
+  Tcl_Obj* value_;  // one reference is ours; null where the variable does not exist
+};
+
+}  // namespace
+
 void evaluate_aside(Tcl_Interp* interp, Tcl_Obj* script) {
   if (Tcl_InterpDeleted(interp)) return;
   Tcl_Preserve(interp);
   Tcl_IncrRefCount(script);
   const Tcl_InterpState before = Tcl_SaveInterpState(interp, TCL_OK);
+  // No part of that state, once a script has caught an error of its own.
+  SavedVariable info(interp, "errorInfo");
+  SavedVariable code(interp, "errorCode");
   Tcl_EvalObjEx(interp, script, 0);
+  info.restore();
+  code.restore();
   Tcl_RestoreInterpState(interp, before);
   Tcl_DecrRefCount(script);
   Tcl_Release(interp);
