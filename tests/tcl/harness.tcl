@@ -95,6 +95,8 @@ proc bad_call {name text} {
 # Reports, cleans up and exits with status 1 if a test failed or none ran.
 proc finish {} {
     set failed [expr {$::tcltest::numTests(Failed) > 0 || $::tcltest::numTests(Passed) == 0}]
+    # Where Tk is loaded and nobody sits before it, cleanupTests ends the process with status 0.
+    ::tcltest::testConstraint interactive 1
     cleanupTests
     file delete -force $::scratch
     exit $failed
