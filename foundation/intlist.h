@@ -7,6 +7,8 @@
 #ifndef FOUNDATION_INTLIST_H
 #define FOUNDATION_INTLIST_H
 
+#include <vector>
+
 class IntList {
  public:
   // The list of values[0] .. values[n - 1], n from 1.
@@ -62,6 +64,19 @@ class IntIterator {
 
   IntList* cursor;   // the cell last returned, or the sentinel
   IntList sentinel;  // stands before the first cell
+};
+
+// The elements by position of a list that changes in no way but growing at its end. Borrows the
+// list.
+class IntListIndex {
+ public:
+  // The same as extract of `list`, which is the same list each time, in constant time: a cell is
+  // walked over once, however often elements are asked for.
+  int extract(const IntList* list, int i, int* out);
+
+ private:
+  std::vector<int> values_;             // of the cells walked over
+  const IntList* walked_to_ = nullptr;  // the last of them
 };
 
 #endif

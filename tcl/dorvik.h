@@ -109,7 +109,8 @@ class EcPrgVar {
   EcPrgVar* next;                        // of the owner's list
   Tcl_Command command = nullptr;         // null before it is created and when it is gone
   Dorvik* owner;
-  int new_ident_count = 0;  // of generated names
+  int new_ident_count = 0;                                              // of generated names
+  IntListIndex input_index, output_index, local_index, function_index;  // of the program's lists
 
  private:
   struct Program;
@@ -137,10 +138,12 @@ void ECPRG_delete(ClientData object);
 // strtol in base 10. Returns 0, or 1 where `text` does not begin with a number.
 int monatoi(const char* text, int* value);
 
-// One of the lists of a program, with the counter of its members.
+// One of the lists of a program, with the counter of its members and the access to them by
+// position.
 struct Section {
   IntList* EcPrg::*names;
   int EcPrg::*count;
+  IntListIndex EcPrgVar::*index;  // null where nobody asks
 };
 
 // One operation of program objects.

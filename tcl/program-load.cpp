@@ -28,6 +28,7 @@ void EcPrgVar::install(Program program) {
   symbols = std::move(program.symbols);
   exp_names = std::move(program.exp_names);
   new_ident_count = 0;
+  input_index = output_index = local_index = function_index = IntListIndex();
 }
 
 void EcPrgVar::report_program(const char* what, const char* done) {

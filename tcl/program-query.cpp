@@ -21,7 +21,8 @@ int EcPrgVar::select(const Operation& operation, const char* index, int* symbol)
   if (monatoi(index, &i) != 0) return usage_error(operation);
   // A number beyond an int was cut, perhaps to one that is an index.
   const bool cut = std::strtol(index, nullptr, 10) != i;
-  if (cut || extract(prg.get()->*operation.section->names, i, symbol) != 0)
+  const Section& section = *operation.section;
+  if (cut || (this->*section.index).extract(prg.get()->*section.names, i, symbol) != 0)
     return call_error({{"LOOKUP", "INDEX", index}}, "%s %s : index out of bounds", command_name(),
                       operation.word);
   return TCL_OK;

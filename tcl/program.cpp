@@ -6,11 +6,12 @@
 #include "foundation/errors.h"
 #include "tcl/dorvik.h"
 
-static const Section inputs = {&EcPrg::inputs, &EcPrg::nb_inputs};
-static const Section outputs = {&EcPrg::outputs, &EcPrg::nb_outputs};
-static const Section locals = {&EcPrg::locals, &EcPrg::nb_locals};
-static const Section assertions = {&EcPrg::assertions, &EcPrg::nb_assertions};
-static const Section functions = {&EcPrg::functions, &EcPrg::nb_functions};
+static const Section inputs = {&EcPrg::inputs, &EcPrg::nb_inputs, &EcPrgVar::input_index};
+static const Section outputs = {&EcPrg::outputs, &EcPrg::nb_outputs, &EcPrgVar::output_index};
+static const Section locals = {&EcPrg::locals, &EcPrg::nb_locals, &EcPrgVar::local_index};
+static const Section assertions = {&EcPrg::assertions, &EcPrg::nb_assertions, nullptr};
+static const Section functions = {&EcPrg::functions, &EcPrg::nb_functions,
+                                  &EcPrgVar::function_index};
 
 // clang-format off
 const Operation operations[] = {

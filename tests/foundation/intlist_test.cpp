@@ -110,3 +110,22 @@ TEST(IntIterator, StopsAtTheEndAndBorrowsTheList) {
   delete list;
   EXPECT_EQ(0, IntIterator()());
 }
+
+TEST(IntListIndex, FollowsAListThatGrows) {
+  IntListIndex index;
+  int out = -1;
+  EXPECT_EQ(1, index.extract(nullptr, 0, &out));
+  IntList* list = nullptr;
+  for (int value = 1; value <= 100; ++value) append_list(list, value);
+  EXPECT_EQ(0, index.extract(list, 60, &out));
+  EXPECT_EQ(61, out);
+  EXPECT_EQ(1, index.extract(list, 100, &out));
+  append_list(list, 101);
+  for (const int place : {100, 0, 99, 61}) {
+    EXPECT_EQ(0, index.extract(list, place, &out));
+    EXPECT_EQ(place + 1, out);
+  }
+  EXPECT_EQ(1, index.extract(list, -1, &out));
+  EXPECT_EQ(62, out);
+  delete list;
+}
