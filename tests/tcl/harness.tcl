@@ -34,6 +34,11 @@ proc example {name} {
     file join $::source_dir examples $name
 }
 
+# A test with a fresh program object `p`.
+proc program_test {name description body result} {
+    uplevel 1 [list test $name $description -setup {ecprg p} -body $body -cleanup {rename p {}} -result $result]
+}
+
 # Runs `script` in a fresh `shell` with `args` in argv and nothing on standard input, and returns
 # {exit-status standard-output standard-error}.
 proc run_shell {shell script args} {
