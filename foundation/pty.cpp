@@ -67,16 +67,29 @@ void PtyStream::untab() {
   --tab_depth;
 }
 
-// A stream is used by one thread, so its characters need no lock each. Most pieces are a few
-// characters.
-void PtyStream::write(const char* text, size_t length) {
+void PtyStream::write_in_blocks() { block_.reset(new char[block_size]); }
+
+void PtyStream::write_block() {
+  if (fwrite(block_.get(), 1, in_block_, file) != in_block_) keep_first(&write_error_, errno);
+  in_block_ = 0;
+}
+
+// Writes what does not fit into the block, or of a stream without one. It is used by one thread, so
+// its characters need no lock each; most pieces are a few characters.
+void PtyStream::write_through(const char* text, size_t length) {
+  if (in_block_ > 0) write_block();
   for (const char* end = text + length; text != end; ++text)
     if (putc_unlocked(*text, file) == EOF) keep_first(&write_error_, errno);
 }
 
+FILE* PtyStream::direct_file() {
+  if (in_block_ > 0) write_block();
+  return file;
+}
+
 void PtyStream::end_line() {
   write("\n", 1);
-  if (flushes_lines) flush();
+  if (block_ == nullptr) flush();
 }
 
 void PtyStream::cr() {
@@ -140,8 +153,9 @@ void PtyStream::put(TmpPtyStream* t) {
       cr();
     } else if (c == '\f') {
       lf();
-    } else if (putc(c, file) == EOF) {
-      keep_first(&write_error_, errno);
+    } else {
+      const char character = static_cast<char>(c);
+      write(&character, 1);
     }
   }
   if (ferror(t->file)) keep_first(&t->write_error_, EIO);
@@ -150,6 +164,7 @@ void PtyStream::put(TmpPtyStream* t) {
 }
 
 void PtyStream::flush() {
+  if (in_block_ > 0) write_block();
   if (fflush(file) != 0) {
     keep_first(&write_error_, errno);
   } else if (ferror(file)) {

@@ -8,6 +8,8 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
+#include <memory>
 #include <string>
 
 #include "foundation/text.h"
@@ -51,6 +53,12 @@ class PtyStream {
   // Copies what was written to `t` so far; its lines are indented at this stream's depth.
   void put(TmpPtyStream* t);
   void flush();
+  // From now on text is written in large blocks, for a file at which nobody looks before it is
+  // closed. Only direct_file may be used to write beside the stream.
+  void write_in_blocks();
+  // The file, with all written to it that was put so far; what is written there is not counted in
+  // columns.
+  FILE* direct_file();
 
   // Flushes and closes as the destructor does, which then does nothing. Returns 0, or the errno of
   // the first write that failed, so that a text that did not arrive whole is never taken for done.
@@ -62,17 +70,30 @@ class PtyStream {
   int tab_depth = 0;
   int column = 0;
   int width;
-  bool flushes_lines = true;  // false: leaves it to the file when to write
 
   static PtyStream* _of_stdout;
   static PtyStream* _of_stderr;
 
  private:
-  void write(const char* text, size_t length);
+  static constexpr size_t block_size = 65536;
+
+  void write(const char* text, size_t length) {
+    if (block_ == nullptr || length > block_size - in_block_) {
+      write_through(text, length);
+    } else {
+      std::memcpy(block_.get() + in_block_, text, length);
+      in_block_ += length;
+    }
+  }
+  void write_through(const char* text, size_t length);
   void end_line();
   void piece(const char* text, size_t length);
 
-  int write_error_ = 0;  // errno of the first failed write
+  void write_block();
+
+  int write_error_ = 0;            // errno of the first failed write
+  std::unique_ptr<char[]> block_;  // what is not yet written, of a stream that writes in blocks
+  size_t in_block_ = 0;
 };
 
 // The same stream over an anonymous temporary file, which vanishes with it. The process exits with

@@ -118,7 +118,8 @@ int EcPrgVar::dump(const Operation& operation, int nparams, const char* params[]
   PtyStream out(file, 80, nullptr);
   // A file is looked at when the text is whole; a terminal or a pipe gets each line as it is done.
   struct stat kind;
-  out.flushes_lines = fstat(fileno(file), &kind) != 0 || !S_ISREG(kind.st_mode) || file == stdout;
+  if (file != stdout && fstat(fileno(file), &kind) == 0 && S_ISREG(kind.st_mode))
+    out.write_in_blocks();
   prg->print_quarel(&out);
   errno = out.close();
   if (errno != 0)

@@ -41,7 +41,7 @@ class ExpPrinter : public ExpVisitor {
   bool open(Exp* exp);
 
   void write(int number) { out_->put(number); }
-  void write(const Fract& number) { number.print(out_->file); }
+  void write(const Fract& number) { number.print(out_->direct_file()); }
   // A negative integer keeps its sign behind the minus of its term.
   static int magnitude(int number) { return number; }
   static Fract magnitude(const Fract& number) { return abs(number); }
