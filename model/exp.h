@@ -222,6 +222,11 @@ class ExpHeap {
   Exp* enter(std::unique_ptr<Exp> e);
 
   size_t size() const { return nodes_.size(); }
+  // Calls `visit` for every node, the oldest first.
+  template <class Visit>
+  void each(Visit visit) {
+    for (Exp* e : nodes_) visit(e);
+  }
   Mark mark() const { return {nodes_.size(), arena_.mark()}; }
   // Deletes the nodes made since `mark`.
   void cut_back(const Mark& mark);

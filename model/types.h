@@ -77,20 +77,20 @@ enum IdentMode {
 class IdentInfo : public SymbolInfo {
  public:
   IdentInfo(IdentMode role, int symbol, EcType* ident_type, int ident_clock)
-      : name(symbol), print_name(symbol), clock(ident_clock), type(ident_type), mode(role) {}
+      : name(symbol), print_name(symbol), clock(ident_clock), mode(role), type(ident_type) {}
   IdentInfo* is_ident() override { return this; }
 
   int name;
   int print_name;
-  int clock;  // symbol of the boolean that clocks it; -1 while unknown
-  EcType* type;
+  int clock;       // symbol of the boolean that clocks it; -1 while unknown
+  int value = 0;   // a constant's position or number; the bits of a float for a real literal
+  int order = -1;  // rank among inputs, outputs or locals, or in an enumeration; from 0
   IdentMode mode;
+  EcType* type;
   IntList* tuple_names = nullptr;  // all names of its tuple equation; the program's
-  int value = 0;  // a constant's position or number; the bits of a float for a real literal
   Exp* definition = nullptr;  // right side, or the leaf of an input or constant; null until defined
   Exp* ident_exp = nullptr;   // the leaf that stands for it in expressions; null for an assertion
   void* writer_info = nullptr;  // for writers to use; the model leaves it null
-  int order = -1;  // rank among inputs, outputs or locals, or in an enumeration; from 0
 };
 
 class FuncInfo : public SymbolInfo {
