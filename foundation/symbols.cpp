@@ -92,7 +92,7 @@ char* StringTape::store(const char* s, size_t size) {
 STapeHashItem* StringTape::internal_add(const char* s) {
   const size_t length = strlen(s);
   const uint64_t hash = index_.hash(s, length);
-  if (STapeHashItem* known = index_.find(s, hash)) return known;
+  if (STapeHashItem* item = index_.find(s, hash)) return item;
   // What can fail stands first, so that a failure leaves the tape as it was.
   index_.make_room();
   auto* item = static_cast<STapeHashItem*>(items_.allocate(sizeof(STapeHashItem)));
@@ -109,8 +109,12 @@ STapeHashItem* StringTape::internal_add(const char* s) {
   return item;
 }
 
+STapeHashItem* StringTape::known(const char* s) const {
+  return index_.find(s, index_.hash(s, strlen(s)));
+}
+
 STapeHashItem* StringTape::internal_find(const char* s) {
-  STapeHashItem* item = index_.find(s, index_.hash(s, strlen(s)));
+  STapeHashItem* item = known(s);
   if (item == nullptr) note_vain_walk(hash_code(s));
   return item;
 }
@@ -179,12 +183,11 @@ int SymbolTable::find_then_get(int* number, const char* format, ...) {
 }
 
 int SymbolTable::add_text(const char* text) {
-  // The slot of a next symbol first: where it cannot be made, the tape must not have a string more
-  // than there are symbols.
+  if (const STapeHashItem* item = tape->known(text)) return item->number;
+  // The slot first: where it cannot be made, the tape must not have a string more than there are
+  // symbols.
   char*& slot = (*names)[nb_symbols];
-  STapeHashItem* item = tape->internal_add(text);
-  if (item->number <= nb_symbols) return item->number;
-  slot = item->str;
+  slot = tape->internal_add(text)->str;
   return ++nb_symbols;
 }
 

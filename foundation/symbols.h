@@ -45,8 +45,9 @@ class StringTape {
   int hash_code(const char* s) const;
   // The item of `s`, inserted if it is new. Never null; borrowed from the tape.
   STapeHashItem* internal_add(const char* s);
-  // The item of `s`, or null.
+  // The item of `s`, or null. A search in vain counts in the statistic; `known` asks without that.
   STapeHashItem* internal_find(const char* s);
+  STapeHashItem* known(const char* s) const;
 
   STapeHashItem** hash_table = nullptr;  // `hash_size` heads of chains, newest item first
   int hash_size = 0;

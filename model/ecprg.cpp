@@ -124,14 +124,18 @@ Exp* EcPrg::get_bool_const(int symbol) { return constant(symbol, BOOL_CONST_mode
 Exp* EcPrg::get_int_const(int symbol) { return constant(symbol, INT_CONST_mode, int_type); }
 Exp* EcPrg::get_real_const(int symbol) { return constant(symbol, REAL_CONST_mode, real_type); }
 
+SymbolInfo* EcPrg::record(int symbol) {
+  return symbol > 0 && symbol <= symbols->nb_symbols ? (*infos)[symbol] : nullptr;
+}
+
 IdentInfo* EcPrg::ident(int symbol) {
-  SymbolInfo* record = symbol > 0 ? (*infos)[symbol] : nullptr;
-  return record != nullptr ? record->is_ident() : nullptr;
+  SymbolInfo* info = record(symbol);
+  return info != nullptr ? info->is_ident() : nullptr;
 }
 
 FuncInfo* EcPrg::function(int symbol) {
-  SymbolInfo* record = symbol > 0 ? (*infos)[symbol] : nullptr;
-  return record != nullptr ? record->is_function() : nullptr;
+  SymbolInfo* info = record(symbol);
+  return info != nullptr ? info->is_function() : nullptr;
 }
 
 IdentInfo* EcPrg::declared_ident(int symbol) {

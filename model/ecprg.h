@@ -171,6 +171,7 @@ class EcPrg {
   ExpRefusal exp_refusal = ExpRefusal::none;
 
  private:
+  SymbolInfo* record(int symbol);
   SymbolInfo*& prepare_slot(int symbol);
   void install(SymbolInfo*& slot, std::unique_ptr<SymbolInfo> record) noexcept;
   IdentInfo* declare(IdentMode mode, ExpNature leaf, int name, EcType* type, int clock);

@@ -1,5 +1,6 @@
 // The lexer: characters to tokens.
 
+#include <cstdarg>
 #include <cstring>
 
 #include "ecprg.tab.h"
@@ -12,7 +13,7 @@ const char* YY_instring;
 FILE* YY_infile;
 int YYLEX_BOOT;
 int YY_result;
-int YY_lexical_errors;
+char YY_lexical_error[1024];
 char buffer[1024];
 char lexemeBuff[1024];
 
@@ -92,19 +93,21 @@ bool continues_name(int c) { return is_letter(c) || is_digit(c) || c == '_'; }
 
 int advance() { return GetChar(&carcour); }
 
-// The end of a scan that met an error; the report has been made.
-int lexical_error() {
-  ++YY_lexical_errors;
+// Reports an error, which ends the scan.
+PRINTF_LIKE(1, 2)
+int lexical_error(const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(YY_lexical_error, sizeof YY_lexical_error, format, args);
+  va_end(args);
+  if (YY_ecprg != nullptr) YY_ecprg->error("%s", YY_lexical_error);
   return -1;
 }
 
 int unknown_character() {
-  if (YY_ecprg != nullptr) {
-    const char shown[] = {static_cast<char>(carcour), '\0'};
-    YY_ecprg->error("lexical error: unknown char '%d' (%s), line '%d'", carcour,
-                    carcour == 0 ? "\\0" : shown, yyline);
-  }
-  return lexical_error();
+  const char shown[] = {static_cast<char>(carcour), '\0'};
+  return lexical_error("lexical error: unknown char '%d' (%s), line '%d'", carcour,
+                       carcour == 0 ? "\\0" : shown, yyline);
 }
 
 // The lexeme in `buffer`. No lexeme is ever cut: one that does not fit is an error of the text.
@@ -126,10 +129,7 @@ class Lexeme {
   }
   // Delivers `token`, with the text as its value where `carries_text`.
   int deliver(int token, bool carries_text) {
-    if (!fits_) {
-      if (YY_ecprg != nullptr) YY_ecprg->error("lexical error: lexeme too long, line '%d'", yyline);
-      return lexical_error();
-    }
+    if (!fits_) return lexical_error("lexical error: lexeme too long, line '%d'", yyline);
     if (carries_text) std::memcpy(ecprg_lval.text, text(), size_ + 1);
     return YY_result = token;
   }
@@ -152,10 +152,8 @@ int number() {
     token = REALCONST;
     lexeme.take();
     if (carcour == '+' || carcour == '-') lexeme.take();
-    if (!is_digit(carcour)) {
-      if (YY_ecprg != nullptr) YY_ecprg->error("lexical error: bad real syntax, line '%d'", yyline);
-      return lexical_error();
-    }
+    if (!is_digit(carcour))
+      return lexical_error("lexical error: bad real syntax, line '%d'", yyline);
     lexeme.take_digits();
   }
   return lexeme.deliver(token, true);
@@ -199,7 +197,7 @@ int GetChar(int* c) {
 
 static int start_scan(int boot, FILE* f, const char* text) {
   YYLEX_BOOT = boot;
-  YY_lexical_errors = 0;
+  YY_lexical_error[0] = '\0';
   yyline = 1;
   YY_instring = text;
   YY_infile = f;

@@ -9,13 +9,8 @@ EcPrg* YY_ecprg;
 SymbolTable* YY_Symbols;
 Exp* ecexp;
 
-// Whether the current text is a stand-alone expression.
-static bool in_expression;
-
-// A lexical error ends the text, and the parser then mostly complains about that end. Of a file,
-// its word is the last; of an expression, the lexical message stays.
 void ecprg_error(const char* message) {
-  if (YY_ecprg != nullptr && !(in_expression && YY_lexical_errors > 0))
+  if (YY_ecprg != nullptr)
     YY_ecprg->error("%s line %d near '%s'", message, yyline, printLexeme(YY_result));
 }
 
@@ -24,7 +19,6 @@ static int parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const char
   YY_ecprg = prg;
   YY_Symbols = symbols;
   ecexp = nullptr;
-  in_expression = boot == START_EXP;
   reader_out_of_memory = false;
   if (f != nullptr)
     yylexInitFile(boot, f);
@@ -39,13 +33,15 @@ static int parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const char
   return result;
 }
 
-// Reads one expression into `*out` and tells what refused it. After a lexical error the grammar may
-// have accepted what stood before it; the expression is still not what was meant.
+// Reads one expression into `*out` and tells what refused it. A lexical error ends the text, and
+// the grammar may have accepted what stood before it, or complained of that end: the lexical
+// message is the one to keep. Of a file, the grammar's word is the last.
 static ExpRefusal read_expression(EcPrg* prg, SymbolTable* symbols, FILE* f, const char* text,
                                   Exp** out) {
   *out = nullptr;
-  if (parse(prg, symbols, START_EXP, f, text) != 0 || YY_lexical_errors > 0)
-    return ExpRefusal::syntax;
+  const int result = parse(prg, symbols, START_EXP, f, text);
+  if (YY_lexical_error[0] != '\0') prg->error("%s", YY_lexical_error);
+  if (result != 0 || YY_lexical_error[0] != '\0') return ExpRefusal::syntax;
   *out = ecexp;
   return ecexp != nullptr ? ExpRefusal::none : ExpRefusal::name;
 }

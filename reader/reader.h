@@ -53,15 +53,15 @@ int EcLexTest(SymbolTable* symbols, const char* path);
 
 // --- The lexer.
 
-extern int carcour;              // the look-ahead character; -1 at the end
-extern int yyline;               // line of that character, from 1
-extern const char* YY_instring;  // what is left of the string being read; null for a file
-extern FILE* YY_infile;          // the file being read; null for a string
-extern int YYLEX_BOOT;           // token to deliver before any text; 0: none
-extern int YY_result;            // the token last delivered; 0 at the end or after an error
-extern int YY_lexical_errors;    // of the current scan
-extern char buffer[1024];        // the lexeme being assembled
-extern char lexemeBuff[1024];    // room for printLexeme
+extern int carcour;                  // the look-ahead character; -1 at the end
+extern int yyline;                   // line of that character, from 1
+extern const char* YY_instring;      // what is left of the string being read; null for a file
+extern FILE* YY_infile;              // the file being read; null for a string
+extern int YYLEX_BOOT;               // token to deliver before any text; 0: none
+extern int YY_result;                // the token last delivered; 0 at the end or after an error
+extern char YY_lexical_error[1024];  // message of the error that ended the scan; empty: none
+extern char buffer[1024];            // the lexeme being assembled
+extern char lexemeBuff[1024];        // room for printLexeme
 
 // Begin a scan at line 1 with the boot token armed. They return 1, or 0 where the text is empty.
 int yylexInitFile(int boot, FILE* f);

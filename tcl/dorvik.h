@@ -60,7 +60,10 @@ extern Dorvik* last_dorvik;
 // A program object: a program, and the handles that scripts have on its expressions.
 class EcPrgVar {
  public:
-  EcPrgVar(Dorvik* dorvik, EcPrgVar* rest) : next(rest), owner(dorvik) {}
+  // At the head of `rest`, which may be null.
+  EcPrgVar(Dorvik* dorvik, EcPrgVar* rest) : next(rest), owner(dorvik) {
+    if (rest != nullptr) rest->previous = this;
+  }
   EcPrgVar(const EcPrgVar&) = delete;
   EcPrgVar& operator=(const EcPrgVar&) = delete;
 
@@ -73,7 +76,7 @@ class EcPrgVar {
   // Delivers a copy of `text` as result; it outlives the program. Returns TCL_OK.
   int text_result(const char* text);
 
-  // The list without `object`.
+  // The list without `object`, in constant time.
   static EcPrgVar* remove(EcPrgVar* list, EcPrgVar* object);
 
   // The object's current command name; empty where it has none (yet, or any more).
@@ -107,6 +110,7 @@ class EcPrgVar {
   std::unique_ptr<SymbolTable> symbols;  // null where there is no program
   std::unique_ptr<EcPrg> prg;            // null only after an ecprg with too many words
   EcPrgVar* next;                        // of the owner's list
+  EcPrgVar* previous = nullptr;          // of the same
   Tcl_Command command = nullptr;         // null before it is created and when it is gone
   Dorvik* owner;
   int new_ident_count = 0;                                              // of generated names

@@ -99,7 +99,7 @@ int EcPrgVar::load(const Operation& operation, int, const char* params[]) {
   const char* message = fresh.prg->error_message;
   if (message[0] != '\0') Verbose("%s\n", message);
   const std::string line = std::to_string(yyline);
-  const ErrorCode code = {{"SYNTAX", line.c_str(), message}};
+  const ErrorCode code = {{"SYNTAX", line.c_str(), message[0] != '\0' ? message : "no node"}};
   if (refused)
     return call_error(code, "%s: syntax errors while parsing '%s'", operation.word, name);
   if (fresh.prg->name == 0)

@@ -128,9 +128,10 @@ int EcPrgVar::text_result(const char* text) {
 }
 
 EcPrgVar* EcPrgVar::remove(EcPrgVar* list, EcPrgVar* object) {
-  EcPrgVar** place = &list;
-  while (*place != nullptr && *place != object) place = &(*place)->next;
-  if (*place != nullptr) *place = object->next;
+  if (object->previous == nullptr && list != object) return list;
+  if (object->next != nullptr) object->next->previous = object->previous;
+  if (object->previous == nullptr) return object->next;
+  object->previous->next = object->next;
   return list;
 }
 

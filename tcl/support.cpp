@@ -32,7 +32,9 @@ class SavedVariable {
   SavedVariable& operator=(const SavedVariable&) = delete;
 
   void restore() {
-    if (value_ != nullptr && read() != value_)
+    if (value_ == nullptr)
+      Tcl_UnsetVar2(interp_, name_, nullptr, TCL_GLOBAL_ONLY);
+    else if (read() != value_)
       Tcl_SetVar2Ex(interp_, name_, nullptr, value_, TCL_GLOBAL_ONLY);
   }
 

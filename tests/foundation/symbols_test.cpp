@@ -71,6 +71,7 @@ TEST(SymbolTable, NumbersNamesDensely) {
   for (int i = 1; i <= 2001; ++i) {
     EXPECT_EQ(i, table.add("n%d", i));
     EXPECT_EQ(i, table.add("n%d", i));
+    EXPECT_EQ(i, table.names->size());  // the second time touches nothing
   }
   EXPECT_EQ(2001, table.nb_symbols);
   EXPECT_STREQ("n1001", table.names->next->items[0]);

@@ -90,6 +90,7 @@ TEST(StandAloneExpressions, AreReadOrRefused) {
       {"nosuch + ", "syntax error line 1 near '(unknown lexeme...)'"},
       // The lexical message stays, also behind what would be a complete expression.
       {"i $", "lexical error: unknown char '36' ($), line '1'"},
+      {"nosuch $", "lexical error: unknown char '36' ($), line '1'"},
       {"i + $", "lexical error: unknown char '36' ($), line '1'"},
       {"i +\n 2e", "lexical error: bad real syntax, line '2'"},
       {"i " + std::string(1024, 'x'), "lexical error: lexeme too long, line '1'"},
