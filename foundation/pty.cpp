@@ -104,13 +104,9 @@ void PtyStream::lf() {
   column = 0;
 }
 
-void PtyStream::piece(const char* text, size_t length) {
-  column = capped(static_cast<unsigned long long>(column) + length);
-  if (column >= width) {
-    end_line();
-    column = capped(length);
-  }
-  write(text, length);
+void PtyStream::break_line(size_t length) {
+  end_line();
+  column = capped(length);
 }
 
 void PtyStream::put_text(const char* text) {

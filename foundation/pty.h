@@ -48,6 +48,12 @@ class PtyStream {
   void vput(const char* format, va_list args) PRINTF_LIKE(2, 0);
   // The same for a text as it stands; no format is read.
   void put_text(const char* text);
+  // One piece: a literal without "\n" or "\f", of one character or more.
+  template <size_t size>
+  void put_literal(const char (&text)[size]) {
+    static_assert(size > 1, "an empty text is not a piece");
+    piece(text, size - 1);
+  }
   void put(int n);
   void put(float x);
   // Copies what was written to `t` so far; its lines are indented at this stream's depth.
@@ -77,6 +83,17 @@ class PtyStream {
  private:
   static constexpr size_t block_size = 65536;
 
+  // Inline with `write`, so that a literal costs a comparison and a store.
+  void piece(const char* text, size_t length) {
+    const long long reached = column + static_cast<long long>(length);
+    if (reached >= width)
+      break_line(length);
+    else
+      column = static_cast<int>(reached);
+    write(text, length);
+  }
+  // The automatic break before a piece of `length`.
+  void break_line(size_t length);
   void write(const char* text, size_t length) {
     if (block_ == nullptr || length > block_size - in_block_) {
       write_through(text, length);
@@ -87,7 +104,6 @@ class PtyStream {
   }
   void write_through(const char* text, size_t length);
   void end_line();
-  void piece(const char* text, size_t length);
 
   void write_block();
 

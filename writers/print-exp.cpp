@@ -55,7 +55,7 @@ class ExpPrinter : public ExpVisitor {
     }
     const Number first = coefficients != nullptr ? coefficients[0] : Number(1);
     if (first == -1)
-      out_->put_text("-");
+      out_->put_literal("-");
     else if (first != 1)
       write_factor(first);
     return true;
@@ -75,7 +75,7 @@ class ExpPrinter : public ExpVisitor {
   template <class Number>
   void write_factor(const Number& number) {
     write(number);
-    out_->put_text("*");
+    out_->put_literal("*");
   }
 
   const ExpNotation& notation_;
@@ -92,7 +92,7 @@ bool ExpPrinter::enter(Exp* exp, Exp* parent, int place) {
   }
   if (is_marked(parent)) {
     if (exp->get_int_info(Iprint_current_mark) != 0) {
-      out_->put_text("WARNING : RECURSION ");
+      out_->put_literal("WARNING : RECURSION ");
       return false;
     }
     exp->put_info(Iprint_current_mark, set_mark);
@@ -116,24 +116,24 @@ bool ExpPrinter::open(Exp* exp) {
         EcPrg::ierror("%s : '%s' Exp must have an identifier", notation_.printer, kind->name);
       return false;
     case ExpForm::infix:
-      out_->put_text("(");
+      out_->put_literal("(");
       return true;
     case ExpForm::prefix:
     case ExpForm::list:
       out_->put_text(kind->keyword);
-      out_->put_text("(");
+      out_->put_literal("(");
       return true;
     case ExpForm::conditional:
-      out_->put_text(" if (");
+      out_->put_literal(" if (");
       return true;
     case ExpForm::projection:
-      out_->put_text("proj(");
+      out_->put_literal("proj(");
       out_->put(exp->projection_order());
-      out_->put_text(")(");
+      out_->put_literal(")(");
       return true;
     case ExpForm::call:
       out_->put_text(symbols_->name(exp->function_ident()));
-      out_->put_text("(");
+      out_->put_literal("(");
       return true;
     case ExpForm::rational:
       return open_combination(exp, exp->coeffs.get(), exp->constant);
@@ -147,9 +147,9 @@ void ExpPrinter::between(Exp* exp, int place) {
   if (takes_tuple(exp)) return;
   switch (exp_kind(exp->nature)->form) {
     case ExpForm::infix:
-      out_->put_text(")");
+      out_->put_literal(")");
       out_->put_text(opkey(exp->nature));
-      out_->put_text("(");
+      out_->put_literal("(");
       return;
     case ExpForm::conditional:
       out_->put_text(place == 1 ? ") then (" : ") else (");
@@ -159,7 +159,7 @@ void ExpPrinter::between(Exp* exp, int place) {
     case ExpForm::integer:
       return continue_combination(exp->ints.get(), place);
     default:
-      out_->put_text(", ");
+      out_->put_literal(", ");
   }
 }
 
@@ -173,7 +173,7 @@ void ExpPrinter::leave(Exp* exp, Exp* parent) {
       close_combination(exp->int_param);
       break;
     default:
-      out_->put_text(")");
+      out_->put_literal(")");
   }
   if (is_marked(parent)) exp->put_info(Iprint_current_mark, nullptr);
 }

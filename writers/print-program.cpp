@@ -35,16 +35,16 @@ void put_declarations(EcPrg* prg, IntList* idents, Clocks clocks, PtyStream* out
     const bool shows_clock =
         clocks == Clocks::all || (clocks == Clocks::sampled && clock != prg->true_clock);
     out->cr();
-    if (shows_clock) out->put_text("( ");
+    if (shows_clock) out->put_literal("( ");
     out->put_text(prg->symbols->name(symbol));
-    out->put_text(" : ");
+    out->put_literal(" : ");
     out->put_text(prg->type_name(ident != nullptr ? ident->type : nullptr, "?"));
     if (!shows_clock) return;
     if (clocks == Clocks::all) {
-      out->put_text(" ) when ");
+      out->put_literal(" ) when ");
     } else {
-      out->put_text(" )");
-      out->put_text(" when ");
+      out->put_literal(" )");
+      out->put_literal(" when ");
     }
     out->put_text(prg->symbols->name(clock));
   });
@@ -67,9 +67,9 @@ void EcPrg::print_all_clocked_ident_list(IntList* idents, PtyStream* out) {
 void FuncInfo::print_params(IntList* list, SymbolTable* table, PtyStream* out) {
   for (const IntList* cell = list; cell != nullptr && cell->next != nullptr;
        cell = cell->next->next) {
-    if (cell != list) out->put_text("; ");
+    if (cell != list) out->put_literal("; ");
     out->put_text(table->name(cell->value));
-    out->put_text(" : ");
+    out->put_literal(" : ");
     out->put_text(table->name(cell->next->value));
   }
 }
@@ -78,15 +78,15 @@ int EcPrg::print_func_decl(int symbol, PtyStream* out) {
   FuncInfo* declared = function(symbol);
   if (declared == nullptr) return error("undeclared function `%s`", symbols->name(symbol));
   out->cr();
-  out->put_text("function ");
+  out->put_literal("function ");
   out->put_text(symbols->name(symbol));
-  out->put_text(" (");
+  out->put_literal(" (");
   declared->print_params(declared->params, symbols, out);
-  out->put_text(")");
+  out->put_literal(")");
   out->cr();
-  out->put_text("returns (");
+  out->put_literal("returns (");
   declared->print_params(declared->results, symbols, out);
-  out->put_text(");");
+  out->put_literal(");");
   return 0;
 }
 
@@ -103,9 +103,9 @@ void EcPrg::print_assert_def(PtyStream* out) {
     const IdentInfo* assertion = ident(cell->value);
     if (assertion == nullptr || assertion->definition == nullptr) continue;
     out->cr();
-    out->put_text("assert ");
+    out->put_literal("assert ");
     assertion->definition->print_def(out, symbols);
-    out->put_text(";");
+    out->put_literal(";");
   }
 }
 
@@ -124,15 +124,15 @@ void EcPrg::print_ident_def(IntList* idents, PtyStream* out) {
     } else {
       out->put_text(symbols->name(cell->value));
     }
-    out->put_text(" = ");
+    out->put_literal(" = ");
     right->print_def(out, symbols);
-    out->put_text(";");
+    out->put_literal(";");
   }
 }
 
 unsigned EcPrg::print_program(const Dialect& dialect, PtyStream* out) {
   if (user_types != nullptr) {
-    out->put_text("type");
+    out->put_literal("type");
     out->tab();
     out->cr();
     put_separated(user_types, ",\n", out,
@@ -144,10 +144,10 @@ unsigned EcPrg::print_program(const Dialect& dialect, PtyStream* out) {
   // The line after a section of constants or locals keeps the section's indentation.
   if (constants != nullptr) {
     out->cr();
-    out->put_text("const");
+    out->put_literal("const");
     out->tab();
     put_declarations(this, constants, dialect.of_constants, out);
-    out->put_text(";");
+    out->put_literal(";");
     out->cr();
     out->untab();
   }
@@ -155,30 +155,30 @@ unsigned EcPrg::print_program(const Dialect& dialect, PtyStream* out) {
     if (print_func_list(list, out) != 0 && dialect.needs_functions) return 1;
 
   out->cr();
-  out->put_text("node ");
+  out->put_literal("node ");
   out->put_text(symbols->name(name));
-  out->put_text("( ");
+  out->put_literal("( ");
   out->tab();
   put_declarations(this, inputs, dialect.of_variables, out);
   out->untab();
   out->cr();
-  out->put_text(") returns (");
+  out->put_literal(") returns (");
   out->tab();
   put_declarations(this, outputs, dialect.of_variables, out);
   out->untab();
   out->cr();
-  out->put_text(");");
+  out->put_literal(");");
   out->cr();
   if (locals != nullptr) {
-    out->put_text("var");
+    out->put_literal("var");
     out->tab();
     put_declarations(this, locals, dialect.of_variables, out);
-    out->put_text(";");
+    out->put_literal(";");
     out->cr();
     out->untab();
   }
   out->cr();
-  out->put_text("let");
+  out->put_literal("let");
   out->tab();
   print_assert_def(out);
   print_ident_def(outputs, out);
