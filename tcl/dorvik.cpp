@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 
 #include "foundation/errors.h"
 #include "tcl/tcl_init_quarel.h"
@@ -137,10 +138,22 @@ int Dorvik::cmd_error(const char* command, const char* format, ...) {
       "Dorvik: bad use of `" + name + "' command\n=> usage: " + name + " " + usage);
 }
 
+// Deletes the command that one called `name` would replace. Tcl_CreateCommand does so as well, but
+// what a delete trace then creates under the name it drops without a word to the owner. Commands
+// made by such traces are deleted here in turn; one that comes back for ever is left to Tcl.
+static void delete_command(Tcl_Interp* interp, const char* name) {
+  const int where = std::strstr(name, "::") != nullptr ? TCL_NAMESPACE_ONLY : TCL_GLOBAL_ONLY;
+  for (int i = 0; i < 100; ++i) {
+    Tcl_Command old = Tcl_FindCommand(interp, name, nullptr, where);
+    if (old == nullptr) return;
+    Tcl_DeleteCommandFromToken(interp, old);
+  }
+}
+
 int Dorvik::create_ecprg(const char* name, int nparams, const char* params[]) {
   EcPrgVar* object = new EcPrgVar(this, programs);
   programs = object;
-  // An object that has the name already is deleted here.
+  delete_command(interp, name);
   object->command = Tcl_CreateCommand(interp, name, ECPRG_call, object, ECPRG_delete);
   if (object->command == nullptr) {
     remove_ecprg(object);
