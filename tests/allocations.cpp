@@ -1,0 +1,23 @@
+// A file of its own: where the compiler sees through a replaced operator, it takes new and delete
+// for mismatched.
+
+#include "tests/allocations.h"
+
+#include <cstdlib>
+#include <new>
+
+long live_allocations;
+
+void* operator new(size_t size) {
+  void* memory = std::malloc(size);
+  if (memory == nullptr) throw std::bad_alloc();
+  ++live_allocations;
+  return memory;
+}
+
+void operator delete(void* memory) noexcept {
+  if (memory != nullptr) --live_allocations;
+  std::free(memory);
+}
+
+void operator delete(void* memory, size_t) noexcept { operator delete(memory); }

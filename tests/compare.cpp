@@ -1,0 +1,156 @@
+#include "tests/compare.h"
+
+#include <cstdlib>
+#include <memory>
+#include <unordered_set>
+#include <vector>
+
+namespace {
+
+// A stream into memory.
+class MemoryFile {
+ public:
+  ~MemoryFile() { std::free(text_); }
+  std::string text() const { return {text_, size_}; }  // once `file` is closed
+
+ private:
+  char* text_ = nullptr;
+  size_t size_ = 0;
+
+ public:
+  FILE* file = open_memstream(&text_, &size_);
+};
+
+// The lists of declared names, in the order of the writers.
+constexpr IntList* EcPrg::*name_lists[] = {
+    &EcPrg::constants, &EcPrg::functions, &EcPrg::tuple_functions, &EcPrg::inputs,
+    &EcPrg::outputs,   &EcPrg::locals,    &EcPrg::assertions};
+
+// One line a fact. Equal nodes of two programs have equal texts by name, so nothing is compared by
+// symbol numbers.
+class Account {
+ public:
+  explicit Account(EcPrg* prg) : prg_(prg) {
+    add("node", prg->symbols->name(prg->name));
+    for (const IntList* cell = prg->user_types; cell != nullptr; cell = cell->next)
+      add("type", name(cell->value));
+    for (IntList* EcPrg::*const list : name_lists)
+      for (const IntList* cell = prg->*list; cell != nullptr; cell = cell->next)
+        add_record(cell->value);
+  }
+  const std::vector<std::string>& lines() const { return lines_; }
+
+ private:
+  const char* name(int symbol) const { return prg_->symbols->name(symbol); }
+  void add(const std::string& what, const std::string& text) {
+    lines_.push_back(what + " " + text);
+  }
+
+  std::string type_text(const EcType* type) const {
+    if (type == nullptr) return "?";
+    if (!type->is_tuple) return name(type->name);
+    std::string text = "(";
+    for (const IntList* cell = type->members; cell != nullptr; cell = cell->next)
+      text += std::string(name(cell->value)) + ",";
+    return text + ")";
+  }
+  std::string names_text(const IntList* list) const {
+    std::string text;
+    for (; list != nullptr; list = list->next) text += std::string(" ") + name(list->value);
+    return text;
+  }
+
+  void add_record(int symbol) {
+    if (const FuncInfo* function = prg_->function(symbol)) {
+      add("function", name(symbol) + names_text(function->params) + " :" +
+                          names_text(function->results) + " = " + type_text(function->param_type) +
+                          " " + type_text(function->result_type));
+      return;
+    }
+    const IdentInfo* ident = prg_->ident(symbol);
+    const IdentMode mode = ident->mode == ENUM_CONST_mode ? USR_CONST_mode : ident->mode;
+    add(std::to_string(mode),
+        std::string(name(symbol)) + " : " + type_text(ident->type) + " when " + name(ident->clock));
+    if (ident->definition == nullptr || ident->definition->nb_args == 0) {
+      add("is", ident->definition != nullptr ? name(ident->definition->ident) : "undefined");
+      return;
+    }
+    add_expression(ident->definition);
+  }
+
+  // Node by node, each with its number of operands, in the order of reading.
+  void add_expression(Exp* root) {
+    const EcType* declared = root->type;
+    root->type = nullptr;  // what an equation declares is not what its right side is
+    const EcType* found = prg_->type(root);
+    add("typed", type_text(declared) + " " + type_text(found));
+    root->type = const_cast<EcType*>(declared);
+    add("clocked", name(prg_->clock(root)));
+    std::vector<const Exp*> rest = {root};
+    while (!rest.empty()) {
+      const Exp* exp = rest.back();
+      rest.pop_back();
+      add(nodekey(exp->nature), std::to_string(exp->nb_args) + " " +
+                                    name(exp->nature == CALL_n ? exp->order : exp->ident));
+      for (int i = exp->nb_args; i > 0; --i) rest.push_back(exp->args[i - 1]);
+    }
+  }
+
+  EcPrg* prg_;
+  std::vector<std::string> lines_;
+};
+
+}  // namespace
+
+int LoadedProgram::read(const std::string& text) {
+  std::string copy = text.empty() ? " " : text;  // fmemopen refuses an empty one
+  std::unique_ptr<FILE, int (*)(FILE*)> file(fmemopen(copy.data(), copy.size(), "r"), std::fclose);
+  return EcParseFile(&prg, &symbols, file.get());
+}
+
+std::string stdout_text(const std::function<void()>& work) {
+  MemoryFile memory;
+  FILE* const before = stdout;
+  stdout = memory.file;
+  work();
+  std::fclose(memory.file);
+  stdout = before;
+  return memory.text();
+}
+
+std::string ec_text(EcPrg* prg) {
+  return stdout_text([=] { prg->print_ec(); });
+}
+
+std::string quarel_text(EcPrg* prg) {
+  MemoryFile memory;
+  {
+    PtyStream out(memory.file, 80, nullptr);
+    prg->print_quarel(&out);
+  }
+  return memory.text();
+}
+
+bool is_reloadable(EcPrg* prg) {
+  if (prg->name == 0 || prg->error_message[0] != '\0') return false;
+  std::unordered_set<int> seen;
+  for (IntList* EcPrg::*const list : name_lists) {
+    for (const IntList* cell = prg->*list; cell != nullptr; cell = cell->next) {
+      const IdentInfo* ident = prg->ident(cell->value);
+      if (!seen.insert(cell->value).second || (ident != nullptr && ident->tuple_names != nullptr))
+        return false;
+    }
+  }
+  return true;
+}
+
+std::string difference(EcPrg* a, EcPrg* b) {
+  const std::vector<std::string> as = Account(a).lines();
+  const std::vector<std::string> bs = Account(b).lines();
+  for (size_t i = 0; i < as.size() || i < bs.size(); ++i) {
+    const std::string& of_a = i < as.size() ? as[i] : "nothing";
+    const std::string& of_b = i < bs.size() ? bs[i] : "nothing";
+    if (of_a != of_b) return of_a + " | " + of_b;
+  }
+  return "";
+}

@@ -1,0 +1,36 @@
+// tests/compare.h: what a program says, and whether two programs say the same. For tests and fuzz
+// targets alike.
+#ifndef TESTS_COMPARE_H
+#define TESTS_COMPARE_H
+
+#include <functional>
+#include <string>
+
+#include "reader/reader.h"
+
+// A program with its table.
+struct LoadedProgram {
+  LoadedProgram() { prg.EcPrgInit(&symbols); }
+  // Reads `text` as a file. Returns what EcParseFile answers.
+  int read(const std::string& text);
+
+  SymbolTable symbols;
+  EcPrg prg;
+};
+
+// What `work` writes to standard output through C stdio. Kept in memory, so that thousands a second
+// cost little.
+std::string stdout_text(const std::function<void()>& work);
+std::string ec_text(EcPrg* prg);
+std::string quarel_text(EcPrg* prg);
+
+// Whether EC text of the program reads back into the same one: it has a node, no message, each name
+// once, and no tuple equation.
+bool is_reloadable(EcPrg* prg);
+
+// The first thing in which the programs differ: declarations with their types and clocks, the
+// expressions of equations and assertions, the types and clocks of these. Empty where they are the
+// same. Enumerations count as their names, and enumerated constants as constants.
+std::string difference(EcPrg* a, EcPrg* b);
+
+#endif

@@ -1,0 +1,147 @@
+// What holds for every well-formed program, tried on thousands of generated ones.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <utility>
+
+#include "tests/allocations.h"
+#include "tests/compare.h"
+#include "tests/generator.h"
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr unsigned programs = 200;
+#else
+constexpr unsigned programs = 2000;
+#endif
+
+std::string generated(const GeneratorOptions& options) {
+  std::ostringstream text;
+  write_program(options, text);
+  return text.str();
+}
+
+// Options of all kinds, by seed.
+GeneratorOptions options_of(unsigned seed) {
+  GeneratorOptions options;
+  options.seed = seed;
+  options.equations = 1 + static_cast<int>(seed * 7 % 30);
+  options.expression_size = static_cast<int>(seed % 5 * seed % 60);
+  options.long_names = seed % 7 == 0;
+  options.clocks = seed % 2 == 0;
+  options.types = seed % 3 != 0;
+  options.functions = seed % 4 != 0;
+  options.assertions = seed % 5 != 0;
+  return options;
+}
+
+// Without the standard error of C stdio: it fills with reports that `current` has no clock.
+class Properties : public testing::Test {
+ protected:
+  ~Properties() override {
+    std::fclose(stderr);
+    stderr = before_;
+  }
+
+ private:
+  FILE* const before_ = std::exchange(stderr, std::fopen("/dev/null", "w"));
+};
+
+TEST_F(Properties, EcTextReadsBackAsTheSameProgram) {
+  for (unsigned seed = 1; seed <= programs; ++seed) {
+    LoadedProgram first, second;
+    ASSERT_EQ(0, first.read(generated(options_of(seed)))) << seed << first.prg.error_message;
+    ASSERT_TRUE(is_reloadable(&first.prg)) << seed << first.prg.error_message;
+    const std::string text = ec_text(&first.prg);
+    ASSERT_EQ(0, second.read(text)) << second.prg.error_message << '\n' << text;
+    ASSERT_EQ("", difference(&first.prg, &second.prg)) << text;
+    ASSERT_EQ(text, ec_text(&second.prg));
+    ASSERT_EQ(quarel_text(&first.prg), quarel_text(&second.prg));
+  }
+}
+
+// The type of `e` as its operands give it, whatever an equation says.
+const EcType* found_type(EcPrg* prg, Exp* e) {
+  if (e->nb_args > 0) e->type = nullptr;
+  return prg->type(e);
+}
+
+TEST_F(Properties, EveryExpressionHasItsDeclaredType) {
+  int equations = 0;
+  for (unsigned seed = 1; seed <= programs; ++seed) {
+    GeneratorOptions options = options_of(seed);
+    options.tuple_equations = true;
+    LoadedProgram program;
+    EcPrg& prg = program.prg;
+    ASSERT_EQ(0, program.read(generated(options))) << seed << prg.error_message;
+    for (IntList* list : {prg.outputs, prg.locals, prg.assertions}) {
+      for (; list != nullptr; list = list->next, ++equations) {
+        const IdentInfo* ident = prg.ident(list->value);
+        ASSERT_NE(nullptr, ident->definition) << generated(options);
+        const char* name = prg.symbols->name(list->value);
+        if (ident->tuple_names == nullptr) {
+          ASSERT_EQ(ident->type, found_type(&prg, ident->definition))
+              << name << ": " << prg.error_message << '\n'
+              << generated(options);
+        } else {
+          const EcType* tuple = found_type(&prg, ident->definition->args[0]);
+          ASSERT_NE(nullptr, tuple) << name << ": " << prg.error_message;
+          const int member = const_cast<EcType*>(tuple)->member(ident->definition->order);
+          ASSERT_EQ(ident->type, prg.get_named_type(member)) << name;
+        }
+      }
+    }
+  }
+  EXPECT_GT(equations, 10 * static_cast<int>(programs));
+}
+
+// Every prefix of a text, and the text with each byte replaced, as a file: refused or not, it
+// leaves the process with what it had.
+TEST_F(Properties, ALoadThatFailsAnywhereReturnsItsMemory) {
+  for (unsigned seed = 1; seed <= programs / 200; ++seed) {
+    GeneratorOptions options = options_of(seed);
+    options.equations = 5;
+    options.tuple_equations = true;
+    const std::string text = generated(options);
+    int refused = 0;
+    for (size_t length = 0; length <= text.size(); ++length) {
+      const std::string prefix = text.substr(0, length);
+      std::string broken = text;
+      if (length < text.size()) broken[length] = "$,;)(e0"[length % 7];
+      const long before = live_allocations;
+      refused += LoadedProgram().read(prefix) != 0;
+      ASSERT_EQ(before, live_allocations) << prefix;
+      LoadedProgram().read(broken);
+      ASSERT_EQ(before, live_allocations) << broken;
+    }
+    EXPECT_GE(refused, static_cast<int>(text.size()) - 10);
+  }
+}
+
+TEST_F(Properties, DeletingAProgramReturnsEverything) {
+  for (unsigned seed = 1; seed <= programs / 2; ++seed) {
+    GeneratorOptions options = options_of(seed);
+    options.tuple_equations = seed % 2 == 0;
+    const std::string text = generated(options);
+    std::string expression = text.substr(text.rfind("v0 = ") + 5);
+    expression.resize(expression.find(';'));
+    const long before = live_allocations;
+    {
+      LoadedProgram program;
+      EXPECT_EQ(0, program.read(text));
+      EXPECT_GT(live_allocations, before);
+      ec_text(&program.prg);
+      quarel_text(&program.prg);
+      stdout_text([&] {
+        Exp* e = program.prg.exp_parse(expression.c_str());
+        if (e != nullptr) program.prg.print_exp(e);
+      });
+      program.prg.exp_parse((expression + " + nosuch").c_str());
+    }
+    ASSERT_EQ(before, live_allocations) << text;
+  }
+}
+
+}  // namespace
