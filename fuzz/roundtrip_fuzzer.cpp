@@ -1,0 +1,19 @@
+// Any text as a file that, where it declares something sensible, is written as EC text and read
+// back: the same program, the same texts.
+
+#include "fuzz/fuzz.h"
+#include "tests/compare.h"
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  LoadedProgram first;
+  if (first.read(text_of(data, size)) != 0 || !is_reloadable(&first.prg)) return 0;
+  const std::string text = ec_text(&first.prg);
+  LoadedProgram second;
+  const int result = second.read(text);
+  if (result == 2) return 0;  // the parentheses nest too deep
+  require(result == 0 && is_reloadable(&second.prg), "what is written reads back");
+  require(ec_text(&second.prg) == text, "the text is a fixed point");
+  require(quarel_text(&second.prg) == quarel_text(&first.prg), "so is Quarel text");
+  require(difference(&first.prg, &second.prg).empty(), "the program is the same");
+  return 0;
+}
