@@ -193,9 +193,11 @@ void prepare_folder() {
 
 extern "C" int LLVMFuzzerInitialize(int*, char*** argv) {
   Tcl_FindExecutable((*argv)[0]);
-  std::string folder = (std::filesystem::temp_directory_path() / "tamsel-fuzz-XXXXXX").string();
+  static std::string folder =
+      (std::filesystem::temp_directory_path() / "tamsel-fuzz-XXXXXX").string();
   require(mkdtemp(folder.data()) != nullptr, "there is room for a scratch folder");
   std::filesystem::current_path(folder);
+  std::atexit([] { std::filesystem::remove_all(folder); });
   return 0;
 }
 
