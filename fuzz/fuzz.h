@@ -6,6 +6,8 @@
 #ifndef FUZZ_FUZZ_H
 #define FUZZ_FUZZ_H
 
+#include <sanitizer/common_interface_defs.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -17,9 +19,11 @@ inline std::string text_of(const uint8_t* data, size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }
 
-// Ends the process where `holds` is false. `what` is there for the trace of calls.
-inline void require(bool holds, const char* /*what*/) {
-  if (!holds) std::abort();
+// Ends the process where `holds` is false, and reports `what`, past the closed standard error.
+inline void require(bool holds, const char* what) {
+  if (holds) return;
+  __sanitizer_report_error_summary((std::string("does not hold: ") + what).c_str());
+  std::abort();
 }
 
 #endif
