@@ -1,6 +1,6 @@
 // generate EQUATIONS [SHAPE]: writes a program of that size to standard output. Shapes: random, the
-// default; and a plain one with names of 24 characters, which are ordinary or collide in one bucket of the
-// symbol table.
+// default; and a plain one with names of 24 characters, which are ordinary or collide in one bucket
+// of the symbol table.
 
 #include <cstdlib>
 #include <iostream>
@@ -8,8 +8,8 @@
 
 #include "tests/generator.h"
 
-// The bucket of a name depends on the low four bits of its characters alone, which `zero` and `one` share
-// where the names are to collide.
+// The bucket of a name depends on the low four bits of its characters alone, which `zero` and `one`
+// share where the names are to collide.
 static std::string name_of(int number, char zero, char one) {
   std::string name(24, zero);
   for (size_t place = name.size(); number > 0; number >>= 1)
@@ -19,8 +19,7 @@ static std::string name_of(int number, char zero, char one) {
 
 static void write_plain(int equations, char zero, char one) {
   std::cout << "node plain(i : int) returns (o : int);\nvar\n";
-  for (int k = 0; k < equations; ++k)
-    std::cout << (k == 0 ? "" : ",\n") << name_of(k, zero, one);
+  for (int k = 0; k < equations; ++k) std::cout << (k == 0 ? "" : ",\n") << name_of(k, zero, one);
   std::cout << " : int;\nlet\n  o = i;\n";
   for (int k = 0; k < equations; ++k)
     std::cout << name_of(k, zero, one) << " = 0 -> pre " << name_of(k / 2, zero, one) << " + i;\n";
