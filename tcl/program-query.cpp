@@ -1,5 +1,6 @@
 // Operations that ask a program and change nothing but its symbol table.
 
+#include <climits>
 #include <cstdlib>
 
 #include "foundation/errors.h"
@@ -17,12 +18,12 @@ int EcPrgVar::query_result(const Operation& operation, const char* parameter, co
 
 // Finds the symbol at `index` of the operation's list.
 int EcPrgVar::select(const Operation& operation, const char* index, int* symbol) {
-  int i;
-  if (monatoi(index, &i) != 0) return usage_error(operation);
-  // A number beyond an int was cut, perhaps to one that is an index.
-  const bool cut = std::strtol(index, nullptr, 10) != i;
+  char* end;
+  const long i = std::strtol(index, &end, 10);
+  if (end == index) return usage_error(operation);
   const Section& section = *operation.section;
-  if (cut || (this->*section.index).extract(prg.get()->*section.names, i, symbol) != 0)
+  if (i > INT_MAX || i < 0 ||
+      (this->*section.index).extract(prg.get()->*section.names, static_cast<int>(i), symbol) != 0)
     return call_error({{"LOOKUP", "INDEX", index}}, "%s %s : index out of bounds", command_name(),
                       operation.word);
   return TCL_OK;

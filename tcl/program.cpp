@@ -95,7 +95,9 @@ void ECPRG_delete(ClientData data) {
 int EcPrgVar::call(const char* word, int nparams, const char* params[]) {
   const Operation* operation = operations;
   const Operation* end = operations + operation_count;
-  while (operation != end && std::strcmp(operation->word, word) != 0) ++operation;
+  while (operation != end &&
+         (operation->word[0] != word[0] || std::strcmp(operation->word, word) != 0))
+    ++operation;
   if (operation == end)
     return call_error({{"LOOKUP", "OPERATION", word}}, "unknown operation `%s'", word);
   if (nparams < operation->min_params ||
