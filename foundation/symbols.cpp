@@ -119,6 +119,15 @@ STapeHashItem* StringTape::internal_find(const char* s) {
   return item;
 }
 
+// Its characters stay where they are, and the statistic as it is.
+void StringTape::forget_last(const char* s) {
+  STapeHashItem*& head = hash_table[hash_code(s)];
+  index_.remove(head, index_.hash(s, strlen(s)));
+  head = head->next;
+  if (head == nullptr) --occupied;
+  --nb_strings;
+}
+
 // The text that a name's format stands for: the format itself where there is nothing to fill in,
 // else a text kept in `storage`.
 PRINTF_LIKE(1, 0)
@@ -194,6 +203,10 @@ int SymbolTable::add_text(const char* text) {
 int SymbolTable::find_text(const char* text) {
   const STapeHashItem* item = tape->internal_find(text);
   return item == nullptr ? 0 : item->number;
+}
+
+void SymbolTable::cut_back(int count) {
+  while (nb_symbols > count) tape->forget_last((*names)[--nb_symbols]);
 }
 
 const char* SymbolTable::name(int number) const {

@@ -1,8 +1,9 @@
 // foundation/symbols.h: names, interned once and from then on handled as numbers.
 //
-// A symbol number counts from 1 in order of first insertion; 0 means "none". A table only grows:
-// numbers and texts stay valid until it is deleted. A name is given as a printf format with its
-// arguments, and is the formatted text; a text that comes from a user or a file is an argument of
+// A symbol number counts from 1 in order of first insertion; 0 means "none". A table only grows,
+// unless it is cut back: numbers and texts stay valid until it is deleted. A name is given as a
+// printf format with its arguments, and is the formatted text; a text that comes from a user or a
+// file is an argument of
 // "%s" or goes through add_text and find_text, which read no format. Names of any length work.
 // Throws bad_alloc at most.
 #ifndef FOUNDATION_SYMBOLS_H
@@ -48,6 +49,8 @@ class StringTape {
   // The item of `s`, or null. A search in vain counts in the statistic; `known` asks without that.
   STapeHashItem* internal_find(const char* s);
   STapeHashItem* known(const char* s) const;
+  // Forgets the last string, `s`.
+  void forget_last(const char* s);
 
   STapeHashItem** hash_table = nullptr;  // `hash_size` heads of chains, newest item first
   int hash_size = 0;
@@ -92,6 +95,9 @@ class SymbolTable {
   // add and find for a text as it stands; no format is read.
   int add_text(const char* text);
   int find_text(const char* text);
+
+  // Forgets the newest names until `count` are left, for an operation that failed half-way.
+  void cut_back(int count);
 
   // The text of symbol `number`, borrowed from the table; "?" for a number that names nothing.
   const char* name(int number) const;

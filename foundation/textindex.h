@@ -21,6 +21,8 @@ class TextIndex {
   void make_room();
   // Enters an item whose text is not there yet, and for which there is room.
   void insert(Item* item, uint64_t text_hash) noexcept;
+  // Takes out an item that is there.
+  void remove(const Item* item, uint64_t text_hash) noexcept;
 
  private:
   // A slot is free where `item` is null. Items whose first slot is taken stand in the next free
@@ -82,6 +84,21 @@ void TextIndex<Item>::insert(Item* item, uint64_t text_hash) noexcept {
   while (slots_[i].item != nullptr) i = (i + 1) & mask;
   slots_[i] = {text_hash, item};
   ++taken_;
+}
+
+template <class Item>
+void TextIndex<Item>::remove(const Item* item, uint64_t text_hash) noexcept {
+  const size_t mask = slots_.size() - 1;
+  size_t gap = text_hash & mask;
+  while (slots_[gap].item != item) gap = (gap + 1) & mask;
+  // Each item behind the gap moves into it, unless its search begins behind the gap.
+  for (size_t i = (gap + 1) & mask; slots_[i].item != nullptr; i = (i + 1) & mask) {
+    if (((i - slots_[i].hash) & mask) < ((i - gap) & mask)) continue;
+    slots_[gap] = slots_[i];
+    gap = i;
+  }
+  slots_[gap].item = nullptr;
+  --taken_;
 }
 
 #endif

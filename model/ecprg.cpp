@@ -45,36 +45,34 @@ IdentInfo* EcPrg::declare(IdentMode mode, ExpNature leaf, int symbol, EcType* ty
   return ident;
 }
 
-static std::vector<int> values_of(const IntList* list) {
-  std::vector<int> values;
-  for (; list != nullptr; list = list->next) values.push_back(list->value);
-  return values;
-}
-
 static IntList* new_cell(int value) { return new IntList(&value, 1); }
 
 void EcPrg::add_input(int symbol, EcType* type, int clock) {
   std::unique_ptr<IntList> cell(new_cell(symbol));
-  declare(INPUT_mode, INPUT_n, symbol, type, clock)->order = nb_inputs++;
+  IdentInfo* input = declare(INPUT_mode, INPUT_n, symbol, type, clock);
+  input->order = nb_inputs++;
   inputs = append(inputs, cell.release());
 }
 
 void EcPrg::add_output(int symbol, EcType* type, int clock, int at_front) {
   std::unique_ptr<IntList> cell(new_cell(symbol));
-  declare(OUTPUT_mode, ECREF_n, symbol, type, clock)->order = nb_outputs++;
+  IdentInfo* output = declare(OUTPUT_mode, ECREF_n, symbol, type, clock);
+  output->order = nb_outputs++;
   outputs = at_front ? append(cell.release(), outputs) : append(outputs, cell.release());
 }
 
 void EcPrg::add_local(int symbol, EcType* type, int clock) {
   std::unique_ptr<IntList> cell(new_cell(symbol));
-  declare(LOCAL_mode, ECREF_n, symbol, type, clock)->order = nb_locals++;
+  IdentInfo* local = declare(LOCAL_mode, ECREF_n, symbol, type, clock);
+  local->order = nb_locals++;
   locals = append(locals, cell.release());
 }
 
 void EcPrg::add_usr_const(int symbol, EcType* type, int clock) {
   std::unique_ptr<IntList> cell(new_cell(symbol));
   std::unique_ptr<IntList> type_cell(type != nullptr ? new_cell(symbol) : nullptr);
-  declare(USR_CONST_mode, CONST_n, symbol, type, clock)->value = nb_constants++;
+  IdentInfo* constant = declare(USR_CONST_mode, CONST_n, symbol, type, clock);
+  constant->value = nb_constants++;
   constants = append(constants, cell.release());
   if (type != nullptr) type->constants = append(type->constants, type_cell.release());
 }
@@ -93,10 +91,11 @@ void EcPrg::add_usr_func(int symbol, EcType* param_type, EcType* result_type, In
   std::unique_ptr<IntList> held_params(params);
   std::unique_ptr<IntList> held_results(results);
   std::unique_ptr<IntList> cell(new_cell(symbol));
-  auto record = std::make_unique<FuncInfo>(symbol, param_type, result_type, held_params.release(),
-                                           held_results.release());
+  auto record = std::make_unique<FuncInfo>(symbol, param_type, result_type, nullptr, nullptr);
   FuncInfo* function = record.get();
   install(prepare_slot(symbol), std::move(record));
+  function->params = held_params.release();
+  function->results = held_results.release();
   if (function->tuple_result) {
     function->index = nb_tuple_functions++;
     tuple_functions = append(tuple_functions, cell.release());
@@ -232,12 +231,20 @@ void EcPrg::roll_back(const Mark& mark) {
     EcType* type = types;
     types = type->next;
     type->next = nullptr;
-    tuple_types_.erase(values_of(type->members));
+    tuple_types_.erase(type->members);
     delete type;
   }
 }
 
 // --- Types.
+
+bool EcPrg::ByValues::operator()(const IntList* a, const IntList* b) const {
+  while (a != nullptr && b != nullptr && a->value == b->value) {
+    a = a->next;
+    b = b->next;
+  }
+  return b != nullptr && (a == nullptr || a->value < b->value);
+}
 
 EcType* EcPrg::add_type(EcType* type) {
   type->next = types;
@@ -263,8 +270,14 @@ EcType* EcPrg::get_named_type(int symbol) {
 EcType* EcPrg::define_type(IntList* names) {
   if (names == nullptr) return define_type(nullptr, 0);
   if (names->next == nullptr) return get_named_type(names->value);
-  EcType*& slot = tuple_types_[values_of(names)];
-  return slot != nullptr ? slot : slot = add_type(new EcType(names));
+  const auto known = tuple_types_.find(names);
+  if (known != tuple_types_.end()) return known->second;
+  // Made a tuple when nothing can fail any more: until then the names are the caller's.
+  auto type = std::make_unique<EcType>(0);
+  tuple_types_.emplace(names, type.get());
+  type->is_tuple = 1;
+  type->members = names;
+  return add_type(type.release());
 }
 
 EcType* EcPrg::define_type(const int* names, int n) {
@@ -273,12 +286,10 @@ EcType* EcPrg::define_type(const int* names, int n) {
     return nullptr;
   }
   if (n == 1) return get_named_type(names[0]);
-  EcType*& slot = tuple_types_[std::vector<int>(names, names + n)];
-  if (slot != nullptr) return slot;
   auto members = std::make_unique<IntList>(names, n);
-  slot = add_type(new EcType(members.get()));
-  members.release();
-  return slot;
+  EcType* type = define_type(members.get());
+  if (type->members == members.get()) members.release();
+  return type;
 }
 
 void EcPrg::add_usr_type(int symbol) {

@@ -177,13 +177,17 @@ class EcPrg {
   IdentInfo* declare(IdentMode mode, ExpNature leaf, int name, EcType* type, int clock);
   Exp* constant(int name, IdentMode mode, EcType* type);
   EcType* add_type(EcType* type);
+  struct ByValues {  // an order of lists
+    bool operator()(const IntList* a, const IntList* b) const;
+  };
   struct Dialect;  // what EC and Quarel text differ in; the writers know it
   unsigned print_program(const Dialect& dialect, PtyStream* out);
 
   SymbolInfoHeap replaced_;                            // records of names declared again
   std::vector<std::unique_ptr<IntList>> tuple_names_;  // of the tuple equations
   std::unordered_map<int, EcType*> named_types_;       // `types` by name
-  std::map<std::vector<int>, EcType*> tuple_types_;    // `types` by members
+  // `types` by members. Nothing is copied, so a tuple type can be taken back without memory.
+  std::map<const IntList*, EcType*, ByValues> tuple_types_;
 };
 
 #endif

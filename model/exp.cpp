@@ -167,6 +167,14 @@ void Exp::put_info(int info_key, void* value) {
     *place = new ExpInfo{info_key, value, *place};
 }
 
+void Exp::drop_info(int info_key) {
+  ExpInfo** place = place_of(&infos, info_key);
+  ExpInfo* info = *place;
+  if (info == nullptr || info->key != info_key) return;
+  *place = info->next;
+  delete info;
+}
+
 void* Exp::get_ptr_info(int info_key) {
   const ExpInfo* info = *place_of(&infos, info_key);
   return info != nullptr && info->key == info_key ? info->value : nullptr;

@@ -170,6 +170,8 @@ class Exp {
   void put_info(int info_key, void* value);
   void* get_ptr_info(int info_key);
   int get_int_info(int info_key);
+  // Frees the annotation, which is missing from then on.
+  void drop_info(int info_key);
 
   // Print the expression; defined with the writers. `print` and `Iprint` write the name of a named
   // node, and any other by its structure; the `_def` forms write the node itself by its structure

@@ -91,6 +91,26 @@ void DORVIK_general_sigint(int) {
   std::signal(SIGINT, DORVIK_general_sigint);
 }
 
+// The name in its namespace that Tcl gives to a command created as `name`.
+const char* tail_of(const char* name) {
+  while (const char* separator = std::strstr(name, "::"))
+    for (name = separator + 2; *name == ':';) ++name;
+  return name;
+}
+
+// Deletes the command that a new one called `name` is to replace. Tcl does so by itself, but what a
+// trace on the deletion then puts in its place is thrown away without a call of its delete
+// procedure. False where the command comes back again and again.
+bool make_way(Tcl_Interp* interp, const char* name) {
+  const int scope = std::strstr(name, "::") != nullptr ? TCL_NAMESPACE_ONLY : TCL_GLOBAL_ONLY;
+  for (int attempts = 10; attempts > 0; --attempts) {
+    Tcl_Command known = Tcl_FindCommand(interp, name, nullptr, scope);
+    if (known == nullptr) return true;
+    Tcl_DeleteCommandFromToken(interp, known);
+  }
+  return false;
+}
+
 void forget_interp(ClientData data, Tcl_Interp*) { static_cast<Dorvik*>(data)->interp = nullptr; }
 
 }  // namespace
@@ -138,36 +158,22 @@ int Dorvik::cmd_error(const char* command, const char* format, ...) {
       "Dorvik: bad use of `" + name + "' command\n=> usage: " + name + " " + usage);
 }
 
-// Deletes the command that one called `name` would replace. Tcl_CreateCommand does so as well, but
-// what a delete trace then creates under the name it drops without a word to the owner. Commands
-// made by such traces are deleted here in turn; one that comes back for ever is left to Tcl.
-static void delete_command(Tcl_Interp* interp, const char* name) {
-  const int where = std::strstr(name, "::") != nullptr ? TCL_NAMESPACE_ONLY : TCL_GLOBAL_ONLY;
-  for (int i = 0; i < 100; ++i) {
-    Tcl_Command old = Tcl_FindCommand(interp, name, nullptr, where);
-    if (old == nullptr) return;
-    Tcl_DeleteCommandFromToken(interp, old);
-  }
-}
-
 int Dorvik::create_ecprg(const char* name, int nparams, const char* params[]) {
-  EcPrgVar* object = new EcPrgVar(this, programs);
-  programs = object;
-  delete_command(interp, name);
+  // Made whole before an object of that name is deleted: from there on nothing runs out of memory.
+  auto fresh = std::make_unique<EcPrgVar>(this);
+  const bool has_node = nparams <= 1;
+  if (has_node) fresh->make_node(nparams == 1 ? params[0] : tail_of(name));
+  if (!make_way(interp, name)) return error("can't create command '%s'", name);
+  EcPrgVar* object = fresh.get();
   object->command = Tcl_CreateCommand(interp, name, ECPRG_call, object, ECPRG_delete);
-  if (object->command == nullptr) {
-    remove_ecprg(object);
-    delete object;
-    return error("can't create command '%s'", name);
-  }
+  if (object->command == nullptr) return error("can't create command '%s'", name);
+  programs = EcPrgVar::add(programs, fresh.release());
   Verbose("creation of : %s\n", object->command_name());
   print_ecprgs();
-  try {
+  if (has_node)
+    object->report_program(object->command_name(), "initialized");
+  else
     object->call("init", nparams, params);
-  } catch (const std::bad_alloc&) {
-    Tcl_DeleteCommandFromToken(interp, object->command);
-    throw;
-  }
   return TCL_OK;
 }
 

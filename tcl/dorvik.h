@@ -60,13 +60,14 @@ extern Dorvik* last_dorvik;
 // A program object: a program, and the handles that scripts have on its expressions.
 class EcPrgVar {
  public:
-  // At the head of `rest`, which may be null.
-  EcPrgVar(Dorvik* dorvik, EcPrgVar* rest) : next(rest), owner(dorvik) {
-    if (rest != nullptr) rest->previous = this;
-  }
+  explicit EcPrgVar(Dorvik* dorvik) : owner(dorvik) {}
   EcPrgVar(const EcPrgVar&) = delete;
   EcPrgVar& operator=(const EcPrgVar&) = delete;
 
+  // Replaces the program by an empty node called `name`.
+  void make_node(const char* name);
+  // Says at verbosity level 2 that the program is `done`, and what is in it.
+  void report_program(const char* what, const char* done);
   // Finds operation `word`, checks the count of its parameters and runs it.
   int call(const char* word, int nparams, const char* params[]);
 
@@ -76,6 +77,8 @@ class EcPrgVar {
   // Delivers a copy of `text` as result; it outlives the program. Returns TCL_OK.
   int text_result(const char* text);
 
+  // The list with `object`, which is in none, at its head; `list` may be null.
+  static EcPrgVar* add(EcPrgVar* list, EcPrgVar* object);
   // The list without `object`, in constant time.
   static EcPrgVar* remove(EcPrgVar* list, EcPrgVar* object);
 
@@ -109,7 +112,7 @@ class EcPrgVar {
   std::unique_ptr<SymbolTable> exp_names = std::make_unique<SymbolTable>();  // handles issued
   std::unique_ptr<SymbolTable> symbols;  // null where there is no program
   std::unique_ptr<EcPrg> prg;            // null only after an ecprg with too many words
-  EcPrgVar* next;                        // of the owner's list
+  EcPrgVar* next = nullptr;              // of the owner's list
   EcPrgVar* previous = nullptr;          // of the same
   Tcl_Command command = nullptr;         // null before it is created and when it is gone
   Dorvik* owner;
@@ -118,8 +121,8 @@ class EcPrgVar {
 
  private:
   struct Program;
+  int run(const Operation& operation, int nparams, const char* params[]);
   void install(Program program);
-  void report_program(const char* what, const char* done);
   FILE* open_file(const Operation& operation, const char* name);
   FILE* open_channel(const Operation& operation, const char* name);
 

@@ -41,11 +41,14 @@ void EcPrgVar::report_program(const char* what, const char* done) {
   Verbose(2, "=> %d assertions\n", prg->nb_assertions);
 }
 
-int EcPrgVar::init(const Operation&, int nparams, const char* params[]) {
+void EcPrgVar::make_node(const char* name) {
   Program fresh;
-  const std::string node = formatted_name(nparams == 1 ? params[0] : command_name());
-  fresh.prg->name = fresh.symbols->add_text(node.c_str());
+  fresh.prg->name = fresh.symbols->add_text(formatted_name(name).c_str());
   install(std::move(fresh));
+}
+
+int EcPrgVar::init(const Operation&, int nparams, const char* params[]) {
+  make_node(nparams == 1 ? params[0] : command_name());
   report_program(command_name(), "initialized");
   return TCL_OK;
 }

@@ -105,7 +105,26 @@ int EcPrgVar::call(const char* word, int nparams, const char* params[]) {
     return usage_error(*operation);
   if (operation->needs_program && prg == nullptr)
     return call_error({{"STATE", word}}, "%s %s: no file loaded", command_name(), word);
-  return (this->*operation->handler)(*operation, nparams, params);
+  return run(*operation, nparams, params);
+}
+
+// Runs an operation, and takes back what it has made where memory runs out under it. A program is
+// replaced as a whole, and last, so that this finds the one that was there before.
+int EcPrgVar::run(const Operation& operation, int nparams, const char* params[]) {
+  if (prg == nullptr) return (this->*operation.handler)(operation, nparams, params);
+  const EcPrg::Mark program = prg->mark();
+  const int names = symbols->nb_symbols;
+  const int handles = exp_names->nb_symbols;
+  const int new_idents = new_ident_count;
+  try {
+    return (this->*operation.handler)(operation, nparams, params);
+  } catch (const std::bad_alloc&) {
+    prg->roll_back(program);
+    symbols->cut_back(names);
+    exp_names->cut_back(handles);
+    new_ident_count = new_idents;
+    throw;
+  }
 }
 
 int EcPrgVar::call_error(const ErrorCode& code, const char* format, ...) {
@@ -127,6 +146,12 @@ int EcPrgVar::usage_error(const Operation& operation) {
 int EcPrgVar::text_result(const char* text) {
   Tcl_SetObjResult(owner->interp, Tcl_NewStringObj(text, -1));
   return TCL_OK;
+}
+
+EcPrgVar* EcPrgVar::add(EcPrgVar* list, EcPrgVar* object) {
+  object->next = list;
+  if (list != nullptr) list->previous = object;
+  return object;
 }
 
 EcPrgVar* EcPrgVar::remove(EcPrgVar* list, EcPrgVar* object) {

@@ -98,7 +98,7 @@ bool ExpPrinter::enter(Exp* exp, Exp* parent, int place) {
     exp->put_info(Iprint_current_mark, set_mark);
   }
   if (open(exp)) return true;
-  if (is_marked(parent)) exp->put_info(Iprint_current_mark, nullptr);
+  if (is_marked(parent)) exp->drop_info(Iprint_current_mark);
   return false;
 }
 
@@ -175,7 +175,7 @@ void ExpPrinter::leave(Exp* exp, Exp* parent) {
     default:
       out_->put_literal(")");
   }
-  if (is_marked(parent)) exp->put_info(Iprint_current_mark, nullptr);
+  if (is_marked(parent)) exp->drop_info(Iprint_current_mark);
 }
 
 void print_with(const ExpNotation& notation, bool by_structure, Exp* exp, PtyStream* out,

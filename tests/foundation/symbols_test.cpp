@@ -128,3 +128,17 @@ TEST(FormattedName, ReadsNoArgument) {
   } rows[] = {{"50%%", "50%"}, {"%%%", "%%"}, {"%s%n", "%s%n"}, {"%%d", "%d"}, {"%", "%"}};
   for (const auto& row : rows) EXPECT_EQ(row.name, formatted_name(row.text)) << row.text;
 }
+
+TEST(SymbolTable, IsCutBackToAnEarlierState) {
+  SymbolTable table;
+  for (int i = 0; i < 1500; ++i) table.add("kept%d", i);
+  const int occupied = table.tape->occupied;
+  for (int i = 0; i < 3000; ++i) table.add("lost%d", i);
+  table.cut_back(1500);
+  EXPECT_EQ(1500, table.nb_symbols);
+  EXPECT_EQ(occupied, table.tape->occupied);
+  for (int i = 0; i < 3000; ++i) EXPECT_EQ(0, table.find("lost%d", i));
+  for (int i = 0; i < 1500; ++i) EXPECT_EQ(i + 1, table.find("kept%d", i));
+  EXPECT_EQ(1501, table.add_text("lost7"));
+  EXPECT_STREQ("lost7", table.name(1501));
+}

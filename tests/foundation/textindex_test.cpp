@@ -46,3 +46,17 @@ TEST(TextIndex, TellsTextsOfOneHashApart) {
   for (Item& item : items) EXPECT_EQ(&item, index.find(item.str, 7));
   EXPECT_EQ(nullptr, index.find("four", 7));
 }
+
+TEST(TextIndex, FindsTheOthersWhenOneIsTakenOut) {
+  const std::vector<Item> items = {{"a", "a"}, {"b", "b"}, {"c", "c"}, {"d", "d"}, {"e", "e"}};
+  // Items of one slot, of its neighbours, and around the end of the table of 64.
+  const uint64_t hashes[] = {63, 62, 63, 0, 63 + 64};
+  for (size_t taken_out = 0; taken_out < items.size(); ++taken_out) {
+    TextIndex<const Item> index;
+    index.make_room();
+    for (size_t i = 0; i < items.size(); ++i) index.insert(&items[i], hashes[i]);
+    index.remove(&items[taken_out], hashes[taken_out]);
+    for (size_t i = 0; i < items.size(); ++i)
+      EXPECT_EQ(i == taken_out ? nullptr : &items[i], index.find(items[i].str, hashes[i])) << i;
+  }
+}

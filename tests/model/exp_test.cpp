@@ -32,6 +32,8 @@ TEST(Exp, KeepsAnnotationsByDecreasingKeys) {
   e.put_info(7, reinterpret_cast<void*>(1));
   EXPECT_EQ(1, e.get_int_info(7));
   EXPECT_EQ(0, e.get_int_info(4));
+  for (const int dropped : {7, 4, 6, 3, 5}) e.drop_info(dropped);
+  EXPECT_EQ(nullptr, e.infos);
   const int key = take_a_key();
   EXPECT_EQ(key + 1, take_a_key());
 }

@@ -1,0 +1,57 @@
+# tests/tcl/soak.tcl ?<cycles>?: lives a long life, and says what it costs.
+#
+# Prints the resident memory and the open descriptors after each tenth of its cycles, and fails where
+# either has grown since the second. By hand, with 100,000 cycles:
+#   TAMSEL_LIBRARY=build/release/libdorvik.so TAMSEL_SOURCE=$PWD QUAREL_INSTALL=$PWD
+#   scripts/with-display.sh tclsh8.6 tests/tcl/soak.tcl 100000
+
+load $env(TAMSEL_LIBRARY)
+set cycles [expr {$argc > 0 ? [lindex $argv 0] : 1000}]
+set file [file join $env(TAMSEL_SOURCE) examples elevator.ec]
+
+proc memory {} {
+    set channel [open /proc/self/statm]
+    set pages [lindex [read $channel] 1]
+    close $channel
+    expr {$pages * 4}
+}
+
+# One handle for the whole life: expressions that stay are printed and typed over and over.
+ecprg kept
+kept add-in int a
+set handle [kept exp "if a > 0 then pre(a + 1) else -a"]
+kept dump /dev/null
+
+proc cycle {i} {
+    ecprg p n$i
+    p load $::file
+    p profile
+    p exp "1 + $i"
+    catch {p exp "1 + nosuch$i"}
+    p add-loc int
+    p dump /dev/null
+    set channel [open $::file]
+    p loadch $channel
+    close $channel
+    p init
+    catch {p load /nosuch}
+    p exp-type "($i, true)"
+    if {$i % 2} {rename p {}}
+    set timer [add_timer 60000 {}]
+    abort_timer $timer
+    kept exp-type $::handle
+}
+
+set grown 0
+for {set tenth 1} {$tenth <= 10} {incr tenth} {
+    for {set i 0} {$i < $cycles / 10} {incr i} {cycle $i}
+    set memory [memory]
+    set descriptors [llength [glob /proc/self/fd/*]]
+    puts "[expr {$tenth * $cycles / 10}] cycles: $memory kB, $descriptors descriptors"
+    if {$tenth == 2} {
+        set limit [expr {$memory + $memory / 50}]
+        set open $descriptors
+    }
+    if {$tenth > 2 && ($memory > $limit || $descriptors > $open)} {set grown 1}
+}
+exit $grown
