@@ -111,7 +111,15 @@ bool make_way(Tcl_Interp* interp, const char* name) {
   return false;
 }
 
-void forget_interp(ClientData data, Tcl_Interp*) { static_cast<Dorvik*>(data)->interp = nullptr; }
+// Objects that are still there have lost their command without being told.
+void forget_interp(ClientData data, Tcl_Interp*) {
+  Dorvik* dorvik = static_cast<Dorvik*>(data);
+  while (EcPrgVar* left = dorvik->programs) {
+    dorvik->remove_ecprg(left);
+    delete left;
+  }
+  dorvik->interp = nullptr;
+}
 
 }  // namespace
 
@@ -165,8 +173,9 @@ int Dorvik::create_ecprg(const char* name, int nparams, const char* params[]) {
   if (has_node) fresh->make_node(nparams == 1 ? params[0] : tail_of(name));
   if (!make_way(interp, name)) return error("can't create command '%s'", name);
   EcPrgVar* object = fresh.get();
-  object->command = Tcl_CreateCommand(interp, name, ECPRG_call, object, ECPRG_delete);
-  if (object->command == nullptr) return error("can't create command '%s'", name);
+  Tcl_Command command = Tcl_CreateCommand(interp, name, ECPRG_call, object, ECPRG_delete);
+  if (command == nullptr) return error("can't create command '%s'", name);
+  object->set_command(command);
   programs = EcPrgVar::add(programs, fresh.release());
   Verbose("creation of : %s\n", object->command_name());
   print_ecprgs();
@@ -183,7 +192,7 @@ void Dorvik::print_ecprgs() {
   if (Verbose() <= 1) return;
   Verbose(2, "current ecprg list :");
   for (const EcPrgVar* object = programs; object != nullptr; object = object->next)
-    if (object->command != nullptr) Verbose(2, " %s", object->command_name());
+    if (object->has_command()) Verbose(2, " %s", object->command_name());
   Verbose(2, "\n");
 }
 

@@ -61,6 +61,7 @@ extern Dorvik* last_dorvik;
 class EcPrgVar {
  public:
   explicit EcPrgVar(Dorvik* dorvik) : owner(dorvik) {}
+  ~EcPrgVar();
   EcPrgVar(const EcPrgVar&) = delete;
   EcPrgVar& operator=(const EcPrgVar&) = delete;
 
@@ -82,6 +83,12 @@ class EcPrgVar {
   // The list without `object`, in constant time.
   static EcPrgVar* remove(EcPrgVar* list, EcPrgVar* object);
 
+  // Takes the command that was made for this object, and notes from now on how it is called.
+  void set_command(Tcl_Command token);
+  void note_name(const char* name);
+  // Whether the command is there. Tcl may throw away a command that a trace has made, without
+  // telling its object, and `command` then leads nowhere.
+  bool has_command() const;
   // The object's current command name; empty where it has none (yet, or any more).
   const char* command_name() const;
 
@@ -115,6 +122,7 @@ class EcPrgVar {
   EcPrgVar* next = nullptr;              // of the owner's list
   EcPrgVar* previous = nullptr;          // of the same
   Tcl_Command command = nullptr;         // null before it is created and when it is gone
+  Tcl_Obj* full_name = nullptr;          // of the command; this object holds one reference
   Dorvik* owner;
   int new_ident_count = 0;                                              // of generated names
   IntListIndex input_index, output_index, local_index, function_index;  // of the program's lists

@@ -69,6 +69,31 @@ const Operation operations[] = {
 // clang-format on
 const int operation_count = sizeof operations / sizeof operations[0];
 
+static void note_rename(ClientData data, Tcl_Interp*, const char*, const char* new_name, int) {
+  static_cast<EcPrgVar*>(data)->note_name(new_name);
+}
+
+EcPrgVar::~EcPrgVar() {
+  if (full_name != nullptr) Tcl_DecrRefCount(full_name);
+}
+
+void EcPrgVar::set_command(Tcl_Command token) {
+  command = token;
+  full_name = Tcl_NewObj();
+  Tcl_IncrRefCount(full_name);
+  Tcl_GetCommandFullName(owner->interp, token, full_name);
+  Tcl_TraceCommand(owner->interp, Tcl_GetString(full_name), TCL_TRACE_RENAME, note_rename, this);
+}
+
+void EcPrgVar::note_name(const char* name) { Tcl_SetStringObj(full_name, name, -1); }
+
+bool EcPrgVar::has_command() const {
+  Tcl_CmdInfo found;
+  return command != nullptr &&
+         Tcl_GetCommandInfo(owner->interp, Tcl_GetString(full_name), &found) != 0 &&
+         found.clientData == this;
+}
+
 static void free_object(char* object) { delete reinterpret_cast<EcPrgVar*>(object); }
 
 int ECPRG_call(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]) {

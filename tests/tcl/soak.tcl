@@ -1,11 +1,12 @@
 # tests/tcl/soak.tcl ?<cycles>?: lives a long life, and says what it costs.
 #
 # Prints the resident memory and the open descriptors after each tenth of its cycles, and fails where
-# either has grown since the second. By hand, with 100,000 cycles:
+# either has grown since the second; a sanitizer, which is preloaded, holds memory back. By hand, with 100,000 cycles:
 #   TAMSEL_LIBRARY=build/release/libdorvik.so TAMSEL_SOURCE=$PWD QUAREL_INSTALL=$PWD
 #   scripts/with-display.sh tclsh8.6 tests/tcl/soak.tcl 100000
 
 load $env(TAMSEL_LIBRARY)
+set is_sanitized [info exists env(LD_PRELOAD)]
 set cycles [expr {$argc > 0 ? [lindex $argv 0] : 1000}]
 set file [file join $env(TAMSEL_SOURCE) examples elevator.ec]
 
@@ -52,6 +53,6 @@ for {set tenth 1} {$tenth <= 10} {incr tenth} {
         set limit [expr {$memory + $memory / 50}]
         set open $descriptors
     }
-    if {$tenth > 2 && ($memory > $limit || $descriptors > $open)} {set grown 1}
+    if {$tenth > 2 && ((!$is_sanitized && $memory > $limit) || $descriptors > $open)} {set grown 1}
 }
 exit $grown
