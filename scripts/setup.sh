@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # scripts/setup.sh [SECTION...]: installs what is missing of scripts/packages.txt.
 #
-# The sections are "build", which is the default, and "ci". Where everything is there, this costs
+# The sections are "build", which is the default, "ci" and "coverage". Where everything is there, this costs
 # one look and needs no rights; otherwise apt-get runs as root or through a sudo that asks nothing.
 set -euo pipefail
 

@@ -1,7 +1,10 @@
 #include "foundation/errors.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cstdlib>
 #include <functional>
 #include <string>
 
@@ -60,4 +63,20 @@ TEST_F(Messages, CountedErrorsStopAtTheRecovery) {
             }));
   EXPECT_EQ(2, GErrors());
   EXPECT_EXIT(GErrorRecover(), testing::ExitedWithCode(1), "^\\*\\*\\* 2 Errors stop\n$");
+}
+
+TEST_F(Messages, TheWheelTurnsOnATerminalOnly) {
+  set_verbose_mode(1);
+  EXPECT_EQ("", printed([] { VerboseWheel(0); }));
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  ASSERT_EQ(0, grantpt(terminal));
+  ASSERT_EQ(0, unlockpt(terminal));
+  const int end = open(ptsname(terminal), O_RDWR | O_NOCTTY), kept = dup(STDERR_FILENO);
+  dup2(end, STDERR_FILENO);
+  for (int i = 0; i < 5; ++i) VerboseWheel(1);  // moves at every second call
+  dup2(kept, STDERR_FILENO);
+  std::string text;
+  for (char turn[2]; text.size() < 6 && read(terminal, turn, 2) == 2;) text.append(turn, 2);
+  EXPECT_EQ("|\b/\b-\b", text);
+  for (const int descriptor : {terminal, end, kept}) close(descriptor);
 }

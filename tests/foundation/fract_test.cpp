@@ -119,6 +119,10 @@ TEST(Fract, DividingByZeroExits) {
   const char* message = "^Fract::Fract: division by zero\n$";
   EXPECT_EXIT(Fract(0, 0), testing::ExitedWithCode(1), message);
   EXPECT_EXIT(slash(3, 0), testing::ExitedWithCode(1), message);
+  Fract made_by_hand;
+  made_by_hand.den = 0;
+  EXPECT_EXIT(made_by_hand.todouble(), testing::ExitedWithCode(1),
+              "^Fract::todouble\\(\\) : division by zero\n$");
 }
 
 TEST(ReadInt, CutsAndStops) {

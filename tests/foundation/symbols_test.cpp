@@ -115,6 +115,12 @@ TEST(SymbolTable, PrintsInOrder) {
       "symbol[  1]= \"b\"\nsymbol[  2]= \"a\"\n"
       "hash size  :  5041\noccupied   :     2\ncoll max   :     0\nnb strings :     2\n",
       testing::internal::GetCapturedStdout());
+  for (int round = 0; round < 2; ++round) {
+    table.init_iterate();
+    EXPECT_STREQ("b", table.iterate());
+    EXPECT_STREQ("a", table.iterate());
+    EXPECT_EQ(nullptr, table.iterate());
+  }
 }
 
 TEST(ChunkArray, IsFreedWithoutRecursion) {

@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "model/walk.h"
 #include "tests/support.h"
 
 TEST(ExpList, KeepsTheLengthFromEachCell) {
@@ -49,4 +50,25 @@ TEST(Exp, ReportsQuestionsToTheWrongKind) {
             stderr_of([&] { EXPECT_EQ(0, call.projection_order()); }));
   EXPECT_EQ("Exp::function_name called on 'PROJ_n' operator",
             stderr_of([&] { EXPECT_EQ(0, projection.function_ident()); }));
+}
+
+TEST(Exp, IsBuiltFromOperandsOrAList) {
+  Program program;
+  Exp* t = program.prg.true_exp;
+  Exp* f = program.prg.false_exp;
+  Exp either(OR_n, t, f), choice(IF_n, t, f, &either);
+  ExpList list(t, new ExpList(f, new ExpList(&choice)));
+  Exp none_of(NOR_n, &list);
+  EXPECT_EQ("nor(true, false,  if (true) then (false) else ((true)or(false)))",
+            written([&](PtyStream* out) { none_of.print(out, &program.symbols); }));
+}
+
+TEST(Walk, AsksNothingOfAVisitorThatMinds) {
+  struct : ExpVisitor {
+    void leave(Exp*, Exp*) override { ++nodes; }
+    int nodes = 0;
+  } counter;
+  Program program("node n(a : bool) returns (b : bool); let b = a and (a or not a); tel");
+  walk(program.ident("b")->definition, counter);
+  EXPECT_EQ(6, counter.nodes);
 }

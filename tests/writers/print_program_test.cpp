@@ -79,3 +79,15 @@ TEST(PrintedPrograms, BreakBetweenPieces) {
   has(quarel(program), "   ( " + name + " : int )\n when c\n)");
   has(ec(program), "   ( " + name + " : int\n ) when c\n)");
 }
+
+TEST(PrintedPrograms, ListDeclarationsInThreeWays) {
+  Program program("node n(w : bool; (x : int) when w) returns (y : int); let y = x; tel");
+  const auto listed = [&](void (EcPrg::*print)(IntList*, PtyStream*)) {
+    return squeezed(
+        written([&](PtyStream* out) { (program.prg.*print)(program.prg.inputs, out); }));
+  };
+  EXPECT_EQ("w : bool; x : int", listed(&EcPrg::print_ident_list));
+  EXPECT_EQ("w : bool; ( x : int ) when w", listed(&EcPrg::print_clocked_ident_list));
+  EXPECT_EQ("( w : bool ) when true; ( x : int ) when w",
+            listed(&EcPrg::print_all_clocked_ident_list));
+}
