@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # test.sh [--preset NAME] [CTEST ARGUMENT...]: builds a preset and runs its tests.
 #
-# Installs what building needs. The preset is release, or one of debug, asan, coverage and clang; the exit
-# status is that of ctest.
+# Installs what building needs. The preset is release, or one of debug, asan, coverage and clang;
+# the exit status is that of ctest.
 set -euo pipefail
 
 preset=release
