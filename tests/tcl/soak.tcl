@@ -9,6 +9,8 @@ load $env(TAMSEL_LIBRARY)
 set is_sanitized [info exists env(LD_PRELOAD)]
 set cycles [expr {$argc > 0 ? [lindex $argv 0] : 1000}]
 set file [file join $env(TAMSEL_SOURCE) examples elevator.ec]
+set source [info script]
+set written [open /dev/null w]
 
 proc memory {} {
     set channel [open /proc/self/statm]
@@ -34,8 +36,13 @@ proc cycle {i} {
     set channel [open $::file]
     p loadch $channel
     close $channel
-    p init
-    catch {p load /nosuch}
+    # Some of these fail.
+    foreach call {
+        {load /nosuch} {load $::source} {load /dev/null} {load /} {loadch $::written} {loadch nosuch}
+        {dump /} {dump /nosuch/out} {dump /dev/full} init
+    } {
+        catch "p $call"
+    }
     p exp-type "($i, true)"
     if {$i % 2} {rename p {}}
     set timer [add_timer 60000 {}]
