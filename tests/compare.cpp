@@ -1,24 +1,19 @@
 #include "tests/compare.h"
 
 #include <cstdlib>
-#include <memory>
 #include <unordered_set>
 #include <vector>
 
 namespace {
 
 // A stream into memory.
-class MemoryFile {
- public:
-  ~MemoryFile() { std::free(text_); }
-  std::string text() const { return {text_, size_}; }  // once `file` is closed
+struct MemoryFile {
+  ~MemoryFile() { std::free(buffer); }
+  std::string text() const { return {buffer, size}; }  // once `file` is closed
 
- private:
-  char* text_ = nullptr;
-  size_t size_ = 0;
-
- public:
-  FILE* file = open_memstream(&text_, &size_);
+  char* buffer = nullptr;
+  size_t size = 0;
+  FILE* file = open_memstream(&buffer, &size);
 };
 
 // The lists of declared names, in the order of the writers.
@@ -102,10 +97,15 @@ class Account {
 
 }  // namespace
 
+File file_of(const std::string& text) {
+  File file(fmemopen(nullptr, text.size() + 1, "w+"), std::fclose);
+  std::fwrite(text.data(), 1, text.size(), file.get());
+  std::rewind(file.get());
+  return file;
+}
+
 int LoadedProgram::read(const std::string& text) {
-  std::string copy = text.empty() ? " " : text;  // fmemopen refuses an empty one
-  std::unique_ptr<FILE, int (*)(FILE*)> file(fmemopen(copy.data(), copy.size(), "r"), std::fclose);
-  return EcParseFile(&prg, &symbols, file.get());
+  return EcParseFile(&prg, &symbols, file_of(text).get());
 }
 
 std::string stdout_text(const std::function<void()>& work) {
@@ -118,17 +118,21 @@ std::string stdout_text(const std::function<void()>& work) {
   return memory.text();
 }
 
+std::string written(const std::function<void(PtyStream*)>& work) {
+  MemoryFile memory;
+  {
+    PtyStream out(memory.file, 80, nullptr);
+    work(&out);
+  }
+  return memory.text();
+}
+
 std::string ec_text(EcPrg* prg) {
   return stdout_text([=] { prg->print_ec(); });
 }
 
 std::string quarel_text(EcPrg* prg) {
-  MemoryFile memory;
-  {
-    PtyStream out(memory.file, 80, nullptr);
-    prg->print_quarel(&out);
-  }
-  return memory.text();
+  return written([=](PtyStream* out) { prg->print_quarel(out); });
 }
 
 bool is_reloadable(EcPrg* prg) {

@@ -4,9 +4,15 @@
 #define TESTS_COMPARE_H
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "reader/reader.h"
+
+using File = std::unique_ptr<FILE, int (*)(FILE*)>;
+
+// A file that holds `text` and stands at its start.
+File file_of(const std::string& text);
 
 // A program with its table.
 struct LoadedProgram {
@@ -18,9 +24,10 @@ struct LoadedProgram {
   EcPrg prg;
 };
 
-// What `work` writes to standard output through C stdio. Kept in memory, so that thousands a second
-// cost little.
+// What `work` writes to standard output through C stdio, or to a stream of width 80. Kept in
+// memory, so that thousands a second cost little.
 std::string stdout_text(const std::function<void()>& work);
+std::string written(const std::function<void(PtyStream*)>& work);
 std::string ec_text(EcPrg* prg);
 std::string quarel_text(EcPrg* prg);
 

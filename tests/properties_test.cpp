@@ -78,19 +78,16 @@ TEST_F(Properties, EveryExpressionHasItsDeclaredType) {
     ASSERT_EQ(0, program.read(generated(options))) << seed << prg.error_message;
     for (IntList* list : {prg.outputs, prg.locals, prg.assertions}) {
       for (; list != nullptr; list = list->next, ++equations) {
+        SCOPED_TRACE(prg.symbols->name(list->value));
         const IdentInfo* ident = prg.ident(list->value);
         ASSERT_NE(nullptr, ident->definition) << generated(options);
-        const char* name = prg.symbols->name(list->value);
-        if (ident->tuple_names == nullptr) {
-          ASSERT_EQ(ident->type, found_type(&prg, ident->definition))
-              << name << ": " << prg.error_message << '\n'
-              << generated(options);
-        } else {
-          const EcType* tuple = found_type(&prg, ident->definition->args[0]);
-          ASSERT_NE(nullptr, tuple) << name << ": " << prg.error_message;
-          const int member = const_cast<EcType*>(tuple)->member(ident->definition->order);
-          ASSERT_EQ(ident->type, prg.get_named_type(member)) << name;
-        }
+        const bool is_tuple = ident->tuple_names != nullptr;
+        Exp* right = is_tuple ? ident->definition->args[0] : ident->definition;
+        const EcType* found = found_type(&prg, right);
+        ASSERT_NE(nullptr, found) << prg.error_message << '\n' << generated(options);
+        if (is_tuple)
+          found = prg.get_named_type(const_cast<EcType*>(found)->member(ident->definition->order));
+        ASSERT_EQ(ident->type, found) << generated(options);
       }
     }
   }
@@ -107,14 +104,12 @@ TEST_F(Properties, ALoadThatFailsAnywhereReturnsItsMemory) {
     const std::string text = generated(options);
     int refused = 0;
     for (size_t length = 0; length <= text.size(); ++length) {
-      const std::string prefix = text.substr(0, length);
       std::string broken = text;
       if (length < text.size()) broken[length] = "$,;)(e0"[length % 7];
       const long before = live_allocations;
-      refused += LoadedProgram().read(prefix) != 0;
-      ASSERT_EQ(before, live_allocations) << prefix;
+      refused += LoadedProgram().read(text.substr(0, length)) != 0;
       LoadedProgram().read(broken);
-      ASSERT_EQ(before, live_allocations) << broken;
+      ASSERT_EQ(before, live_allocations) << length << " of\n" << text;
     }
     EXPECT_GE(refused, static_cast<int>(text.size()) - 10);
   }

@@ -1,12 +1,9 @@
 #include "foundation/errors.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <functional>
-#include <string>
+#include "tests/support.h"
 
 class Messages : public testing::Test {
  protected:
@@ -18,17 +15,11 @@ class Messages : public testing::Test {
   }
 };
 
-static std::string printed(const std::function<void()>& report) {
-  testing::internal::CaptureStderr();
-  report();
-  return testing::internal::GetCapturedStderr();
-}
-
 TEST_F(Messages, ProgressFollowsTheLevel) {
   for (const int level : {0, 1, 2, -1}) {
     set_verbose_mode(level);
-    EXPECT_EQ(level != 0 ? "n7" : "", printed([&] { EXPECT_EQ(level, Verbose("n%d", 7)); }));
-    EXPECT_EQ(level >= 2 ? "n7" : "", printed([&] { EXPECT_EQ(level, Verbose(2, "n%d", 7)); }));
+    EXPECT_EQ(level != 0 ? "n7" : "", stderr_of([&] { EXPECT_EQ(level, Verbose("n%d", 7)); }));
+    EXPECT_EQ(level >= 2 ? "n7" : "", stderr_of([&] { EXPECT_EQ(level, Verbose(2, "n%d", 7)); }));
   }
 }
 
@@ -40,24 +31,24 @@ TEST_F(Messages, PipeModeMarksCursorMovements) {
   set_verbose_mode();
   for (const auto& row : rows) {
     PIPE = 0;
-    EXPECT_EQ(row.plain, printed([&] { Verbose(row.format, 7); }));
+    EXPECT_EQ(row.plain, stderr_of([&] { Verbose(row.format, 7); }));
     set_pipe_mode();
-    EXPECT_EQ(row.piped, printed([&] { Verbose(row.format, 7); }));
-    EXPECT_EQ(row.piped, printed([&] { Verbose(1, row.format, 7); }));
+    EXPECT_EQ(row.piped, stderr_of([&] { Verbose(row.format, 7); }));
+    EXPECT_EQ(row.piped, stderr_of([&] { Verbose(1, row.format, 7); }));
   }
 }
 
 TEST_F(Messages, ReportsCarryTheToolName) {
-  EXPECT_EQ("  Warning :\nx7\n", printed([] { Warning("x%d", 7); }));
+  EXPECT_EQ("  Warning :\nx7\n", stderr_of([] { Warning("x%d", 7); }));
   EXPECT_EXIT(Error("x%d", 7), testing::ExitedWithCode(1), "^  Error :\nx7\n$");
   EXPECT_EXIT(IError("x%d", 7), testing::ExitedWithCode(1), "^Sorry, Internal Error :\nx7\n$");
   set_errors_tool_name("tool");
-  EXPECT_EQ("tool Warning :\n%s\n", printed([] { Warning("%s", "%s"); }));
+  EXPECT_EQ("tool Warning :\n%s\n", stderr_of([] { Warning("%s", "%s"); }));
 }
 
 TEST_F(Messages, CountedErrorsStopAtTheRecovery) {
   GErrorRecover();
-  EXPECT_EQ("a7b", printed([] {
+  EXPECT_EQ("a7b", stderr_of([] {
               GError("a%d", 7);
               GError("b");
             }));
@@ -67,7 +58,7 @@ TEST_F(Messages, CountedErrorsStopAtTheRecovery) {
 
 TEST_F(Messages, TheWheelTurnsOnATerminalOnly) {
   set_verbose_mode(1);
-  EXPECT_EQ("", printed([] { VerboseWheel(0); }));
+  EXPECT_EQ("", stderr_of([] { VerboseWheel(0); }));
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
   ASSERT_EQ(0, grantpt(terminal));
   ASSERT_EQ(0, unlockpt(terminal));

@@ -1,53 +1,32 @@
 #include "foundation/fract.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <clocale>
-#include <string>
 
-#include "foundation/text.h"
+#include "tests/support.h"
 
 static std::string printed(const Fract& x) {
-  testing::internal::CaptureStdout();
-  x.print();
-  return testing::internal::GetCapturedStdout();
+  return stdout_text([&] { x.print(); });
 }
 
-TEST(Fract, IsMadeInNormalForm) {
+TEST(Fract, CalculatesInNormalForm) {
+  const Fract half(1, 2), third(1, 3), most(LLONG_MAX), least(LLONG_MIN);
   const struct {
-    long long num, den;
+    Fract x;
     const char* form;
   } rows[] = {
       // clang-format off
-      {0, -5, "0"}, {4, -6, "-2/3"}, {-1, -7, "1/7"}, {-3, 1, "-3"}, {12, 4, "3"}, {5, -1, "-5"},
-      {LLONG_MIN, 6, "-4611686018427387904/3"}, {LLONG_MIN, -6, "4611686018427387904/3"},
-      {2, LLONG_MIN, "-1/4611686018427387904"}, {LLONG_MIN, LLONG_MIN, "1"},
-      {LLONG_MIN, 1, "-9223372036854775808"},
+      {{0, -5}, "0"}, {{4, -6}, "-2/3"}, {{-1, -7}, "1/7"}, {{12, 4}, "3"}, {{5, -1}, "-5"},
+      {{LLONG_MIN, 6}, "-4611686018427387904/3"}, {{LLONG_MIN, -6}, "4611686018427387904/3"},
+      {{2, LLONG_MIN}, "-1/4611686018427387904"}, {{LLONG_MIN, LLONG_MIN}, "1"},
+      {plus(half, third), "5/6"}, {minus(third, half), "-1/6"}, {abs(Fract(-5, 3)), "5/3"},
+      {times(Fract(2, 3), Fract(-3, 2)), "-1"}, {slash(half, uminus(third)), "-3/2"},
+      // Every overflow wraps.
+      {plus(most, 1), "-9223372036854775808"}, {times(most, 2), "-2"},
+      {minus(least, 1), "9223372036854775807"}, {uminus(least), "-9223372036854775808"},
       // clang-format on
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(row.form, printed(Fract(row.num, row.den))) << row.num << "/" << row.den;
-  }
-}
-
-TEST(Fract, Calculates) {
-  const Fract half(1, 2), third(1, 3), big(LLONG_MAX);
-  const struct {
-    Fract result;
-    const char* form;
-  } rows[] = {
-      {plus(half, third), "5/6"},
-      {minus(third, half), "-1/6"},
-      {times(Fract(2, 3), Fract(-3, 2)), "-1"},
-      {slash(half, uminus(third)), "-3/2"},
-      {abs(Fract(-5, 3)), "5/3"},
-      {plus(big, 1), "-9223372036854775808"},  // wraps, as every overflow does
-      {times(big, 2), "-2"},
-      {minus(LLONG_MIN, 1), "9223372036854775807"},
-      {uminus(LLONG_MIN), "-9223372036854775808"},
-  };
-  for (const auto& row : rows) EXPECT_EQ(row.form, printed(row.result));
+  for (const auto& row : rows) EXPECT_EQ(row.form, printed(row.x));
 }
 
 TEST(Fract, ComparesInEveryForm) {

@@ -1,27 +1,12 @@
 #include "foundation/pty.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <climits>
-#include <cstdlib>
-#include <functional>
-#include <string>
 
-// What `write` writes to a stream of width 80.
-static std::string written(const std::function<void(PtyStream&)>& write) {
-  char* text = nullptr;
-  size_t size = 0;
-  {
-    PtyStream stream(open_memstream(&text, &size), 80, nullptr);
-    write(stream);
-  }
-  const std::string result(text, size);
-  free(text);
-  return result;
-}
+#include "tests/support.h"
 
 TEST(PtyStream, BreaksAndIndentsLines) {
   const std::string b20(20, 'b'), d100(100, 'd');
@@ -41,59 +26,50 @@ TEST(PtyStream, BreaksAndIndentsLines) {
       {0, INT_MAX, "a", "\na", 1},
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(row.expected, written([&](PtyStream& stream) {
-                stream.tab_depth = row.depth;
-                stream.column = row.column;
-                stream.put_text(row.text.c_str());
-                EXPECT_EQ(row.column_after, stream.column) << row.text;
+    EXPECT_EQ(row.expected, written([&](PtyStream* stream) {
+                stream->tab_depth = row.depth;
+                stream->column = row.column;
+                stream->put_text(row.text.c_str());
+                EXPECT_EQ(row.column_after, stream->column) << row.text;
               }));
   }
 }
 
 TEST(PtyStream, WarnsOfOneUntabTooMany) {
-  testing::internal::CaptureStderr();
-  EXPECT_EQ("\nx", written([](PtyStream& stream) {
-              stream.tab();
-              stream.untab();
-              stream.untab();
-              stream.put_text("\nx");
+  EXPECT_EQ("PtyStream::untab : unbalanced untab\n", stderr_of([] {
+              EXPECT_EQ("\nx", written([](PtyStream* stream) {
+                          stream->tab();
+                          stream->untab();
+                          stream->untab();
+                          stream->put_text("\nx");
+                        }));
             }));
-  EXPECT_EQ("PtyStream::untab : unbalanced untab\n", testing::internal::GetCapturedStderr());
 }
 
 TEST(TmpPtyStream, IsCopiedAtTheDepthOfTheOther) {
   const std::string copy = "x\n   y\n      \xff\n   z";  // its form feed was a line end by then
-  EXPECT_EQ("a" + copy + "!\n   >" + copy + "2", written([](PtyStream& stream) {
+  EXPECT_EQ("a" + copy + "!\n   >" + copy + "2", written([](PtyStream* stream) {
               TmpPtyStream text(80, nullptr);
               text.put_text("x\ny");
               text.tab();
               text.put_text("\n\xff\fz");
-              stream.tab();
-              stream.put_text("a");
-              stream.put(&text);
-              EXPECT_EQ(3, stream.column);  // copied characters are not counted
-              stream.put_text("!\n>");
+              stream->tab();
+              stream->put_text("a");
+              stream->put(&text);
+              EXPECT_EQ(3, stream->column);  // copied characters are not counted
+              stream->put_text("!\n>");
               text.put(2);  // goes on behind what was copied
-              stream.put(&text);
+              stream->put(&text);
             }));
 }
 
 TEST(PtyStream, ReportsTheFirstLostWriteOnce) {
   if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no full device here";
-  const std::function<void(PtyStream&)> losses[] = {
-      [](PtyStream& stream) { stream.put_text("short"); },  // seen when the file is closed
-      [](PtyStream& stream) { stream.put_text("line\n"); },
-      [](PtyStream& stream) { stream.put_text(std::string(100000, 'x').c_str()); },
-  };
-  for (const auto& lose : losses) {
+  for (const std::string& text : {std::string("short"), std::string(100000, 'x')}) {
     PtyStream stream("/dev/full", 80, nullptr);
-    lose(stream);
+    stream.put_text(text.c_str());  // the short one is lost when the file is closed
     EXPECT_EQ(ENOSPC, stream.close());
   }
-}
-
-TEST(PtyStream, ReportsTextThatWasLostBesideIt) {
-  if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no full device here";
   PtyStream stream("/dev/full", 80, nullptr);
   setvbuf(stream.file, nullptr, _IONBF, 0);
   fputs("written directly", stream.file);  // fails at once, so that no later flush does

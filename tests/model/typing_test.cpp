@@ -17,8 +17,8 @@ static std::string name_of(Program& program, EcType* type) {
   if (!type->is_tuple) return program.prg.type_name(type, "?");
   EXPECT_LT(1, length(type->members));
   std::string text;
-  for (int i = 1; i <= length(type->members); ++i)
-    text += (i > 1 ? "*" : "") + std::string(program.symbols.name(type->member(i)));
+  for (const IntList* cell = type->members; cell != nullptr; cell = cell->next)
+    text += (text.empty() ? "" : "*") + std::string(program.symbols.name(cell->value));
   return text;
 }
 
@@ -73,7 +73,6 @@ static const Rule rules[] = {
     {"? < ?",     "ii:bool xx:bool",                "type error: bad 'LT_n' operands"},
     {"? div ?",   "ii:int",                         "type error: bad 'DIV_n' operands"},
     {"? mod ?",   "ii:int",                         "type error: bad 'MOD_n' operands"},
-    {"? % ?",     "ii:int",                         "type error: bad 'MOD_n' operands"},
     {"? - ?",     "ii:int xx:real",                 "type error: bad 'MINUS_n' operands"},
     {"? + ?",     "ii:int xx:real",                 "type error: bad 'PLUS_n' operands"},
     {"? / ?",     "ii:int xx:real",                 "type error: bad 'SLASH_n' operands"},
@@ -82,7 +81,6 @@ static const Rule rules[] = {
     {"if ? then ? else ?", "bbb:bool bii:int bxx:real btt:token bcc:color bpp:int*bool",
                                                     "type error: bad 'IF_n' operands"},
     {"(?, ?)",    "bb:bool*bool bi:bool*int ib:int*bool ii:int*int", "", "bi"},
-    {"(t, c, x)", ":token*color*real",              ""},
     {"(?, x)",    "",                               "type error: bad 'TUPLE_n' operands", "p"},
     {"(x, ?)",    "",                               "type error: bad 'TUPLE_n' operands", "p"},
     {"(i, two(i))", "",                             "type error: bad 'TUPLE_n' operands"},
@@ -91,7 +89,6 @@ static const Rule rules[] = {
     {"nor(?)",    "b:bool",                         "type error: bad 'NOR_n' operands"},
     {"nor(?, ?, ?)", "bbb:bool",                    "type error: bad 'NOR_n' operands"},
     {"",          ":bool",                          "", "", NOR_n},
-    {"#(?, ?)",   "bb:bool",                        "type error: bad 'DIESE_n' operands"},
     {"#(?, ?, ?)", "bbb:bool",                      "type error: bad 'DIESE_n' operands"},
     {"?",         "",                               "sorry, type of 'RCL_n' not yet implemented", "bixtcp", RCL_n},
     {"?",         "",                               "sorry, type of 'ICL_n' not yet implemented", "bixtcp", ICL_n},
@@ -99,7 +96,6 @@ static const Rule rules[] = {
     {"f(?)",      "i:real",                         "type error: bad 'f' operands"},
     {"f(?, ?)",   "",                               "type error: bad 'f' operands", "bixtc"},
     {"g(?, ?)",   "ix:bool",                        "type error: bad 'g' operands", "bixtc"},
-    {"g(?)",      "",                               "type error: bad 'g' operands"},
     {"two(?)",    "i:bool*real",                    "type error: bad 'two' operands"},
     {"h(?)",      "",                               "error: undeclared function 'h'"},
     {"i(?)",      "",                               "error: undeclared function 'i'"},
@@ -107,7 +103,6 @@ static const Rule rules[] = {
     {"b -> not (i + (x and b))", "",              "type error: bad 'AND_n' operands"},
     {"(not i) + (x and b)", "",                     "type error: bad 'NOT_n' operands"},
     {"if i + x then - b else h(t)", "",             "type error: bad 'PLUS_n' operands"},
-    {"(i, - b, h(t))", "",                          "type error: bad 'UMINUS_n' operand"},
     {"f(h(i + x))", "",                             "type error: bad 'PLUS_n' operands"},
 };
 // clang-format on
@@ -146,12 +141,10 @@ TEST(Typing, FollowsTheRuleOfEachKind) {
 
     std::vector<std::string> all = {""};  // the choices of operands
     for (const char* c = rule.text; *c != '\0'; ++c) {
-      if (*c != '?') continue;
       std::vector<std::string> longer;
       for (const std::string& operands : all)
-        for (const char* type = rule.types; *type != '\0'; ++type)
-          longer.push_back(operands + *type);
-      all.swap(longer);
+        for (const char type : std::string(rule.types)) longer.push_back(operands + type);
+      if (*c == '?') all.swap(longer);
     }
     testing::internal::CaptureStderr();
     for (const std::string& operands : all) {
@@ -190,28 +183,19 @@ TEST(Clocks, FollowTheFirstOperand) {
   const char unnamed[] = "The clock operand of 'when' operator must be named";
   const char current[] = "EcPrg::clock 'CURRENT_n' is not implemented";
   const struct {
-    const char* text;
-    const char* clock;  // null: the one below
+    const char *text, *clock;  // null: the one below
     int number;
     const char* report;
   } rows[] = {
-      {"i", "true", 0, ""},
-      {"1.5", "true", 0, ""},
-      {"s", "b", 0, ""},
-      {"pre s", "b", 0, ""},
-      {"i + s", "true", 0, ""},
-      {"s + i", "b", 0, ""},
-      {"if b then s else s", "true", 0, ""},
-      {"if s = 1 then i else i", "b", 0, ""},
-      {"f(s)", "b", 0, ""},
-      {"(s, i)", "b", 0, ""},
-      {"i when b", "b", 0, ""},
-      {"s when true", "true", 0, ""},
-      {"- pre (i when b) + i", "b", 0, ""},
-      {"i when not b", nullptr, 0, unnamed},
+      // clang-format off
+      {"i", "true", 0, ""}, {"1.5", "true", 0, ""}, {"s", "b", 0, ""}, {"pre s", "b", 0, ""},
+      {"i + s", "true", 0, ""}, {"s + i", "b", 0, ""}, {"if b then s else s", "true", 0, ""},
+      {"if s = 1 then i else i", "b", 0, ""}, {"f(s)", "b", 0, ""}, {"(s, i)", "b", 0, ""},
+      {"i when b", "b", 0, ""}, {"s when true", "true", 0, ""},
+      {"- pre (i when b) + i", "b", 0, ""}, {"i when not b", nullptr, 0, unnamed},
       {"pre (i when (b and b)) -> i", nullptr, 0, unnamed},
-      {"current s", nullptr, -1, current},
-      {"pre current s + i", nullptr, -1, current},
+      {"current s", nullptr, -1, current}, {"pre current s + i", nullptr, -1, current},
+      // clang-format on
   };
   for (const auto& row : rows) {
     Program program(declarations);

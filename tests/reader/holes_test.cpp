@@ -11,17 +11,12 @@ TEST(Holes, InDeclarations) {
       {"const k : t1; node n(x : int) returns (y : t2); var z : t3; let y = k; tel",
        "EcPrg: type 't3' undeclared",
        "const k : ?; node n( x : int ) returns ( y : ? ); var z : ?; let y = k; tel"},
-      {"type t; type t; node n(x : int) returns (y : int); let tel", "type 't' already declared",
-       "type t; node n( x : int ) returns ( y : int ); let tel"},
       {"type t, t = (c, d); node n(x : t) returns (y : t); let y = c; tel", "undeclared ident 'c'",
        "type t; node n( x : t ) returns ( y : t ); let tel"},
       {"function f(a : t; b : int) returns (c : int) node n(x : int) returns (y : int); let tel",
        "EcPrg: type 't' undeclared",
        "function f (a : t; b : int) returns (c : int); node n( x : int ) returns ( y : int ); let "
        "tel"},
-      {"function f(a : int) returns (c : t) node n(x : int) returns (y : int); let tel",
-       "EcPrg: type 't' undeclared",
-       "function f (a : int) returns (c : t); node n( x : int ) returns ( y : int ); let tel"},
       // The later of two declarations counts.
       {"type t = (c, d); node n(c : int) returns (y : int); let y = c; tel", "",
        "type t; const c : int; d : t; node n( c : int ) returns ( y : int ); let y = c; tel"},
@@ -42,7 +37,7 @@ TEST(Holes, InDeclarations) {
     Program program;
     EXPECT_EQ(0, program.read(row.text)) << row.text;
     EXPECT_EQ(row.message, program.message()) << row.text;
-    EXPECT_EQ(row.quarel, squeezed(quarel(program))) << row.text;
+    EXPECT_EQ(row.quarel, squeezed(quarel_text(&program.prg))) << row.text;
   }
 }
 
@@ -50,28 +45,22 @@ TEST(Holes, InEquations) {
   const struct {
     const char *body, *message, *written;
   } rows[] = {
-      {"", "", ""},
       {"nosuch = x; y = 1;", "undeclared ident 'nosuch'", "y = 1; "},
       {"y = 1 + nosuch; z = 2;", "undeclared ident 'nosuch'", "z = 2; "},
-      {"y = nosuch; y = 1;", "undeclared ident 'nosuch'", "y = 1; "},
       {"two = 1; y = two;", "undeclared ident 'two'", ""},
       {"assert nosuch; assert x = 1;", "undeclared ident 'nosuch'", "assert (x)=(1); "},
       {"(y, nosuch) = two(x);", "undeclared ident 'nosuch'", ""},
-      {"(nosuch, y) = two(x); y = 1;", "undeclared ident 'nosuch'", "y = 1; "},
       {"(y, z) = two(nosuch); (z, w) = two(x);", "undeclared ident 'nosuch'", "z, w = two(x); "},
       {"(y, z) = nosuch(x);", "", "y, z = nosuch(x); "},
       {"y = 1; y = nosuch;", "undeclared ident 'nosuch'", "y = 1; "},
       {"y = 1; y = 2;", "ident 'y' is already defined", "y = 2; "},
       {"y = 1; (z, y) = two(x); z = 3;", "ident 'y' is already defined", "y = 1; z = 3; "},
-      {"(y, z) = two(x); z = 1;", "ident 'z' is already defined", "y, z = two(x); "},
       {"(y, z) = two(x); y = 1;", "ident 'y' is already defined", "y, z = two(x); "},
       {"(z, w) = two(x); (y, z) = two(1);", "ident 'z' is already defined", "z, w = two(x); "},
       {"(y, y) = two(x); y = 1;", "ident 'y' is already defined", "y = 1; "},
       {"(y, z, w, z) = two(x);", "ident 'z' is already defined", ""},
-      {"(y) = x;", "", "y = x; "},
       // The generated name of an assertion is no identifier.
       {"assert x = 1; y = __assert_0;", "undeclared ident '__assert_0'", "assert (x)=(1); "},
-      {"assert x = 1; __assert_0 = x;", "undeclared ident '__assert_0'", "assert (x)=(1); "},
       {"assert x = 1; (y, __assert_0) = two(x);", "undeclared ident '__assert_0'",
        "assert (x)=(1); "},
       {"assert x = 1; assert x = 2; y = __assert_2;", "undeclared ident '__assert_2'",
@@ -83,7 +72,7 @@ TEST(Holes, InEquations) {
                               "node n(x : int) returns (y : int); var z, w : int; let " +
                               std::string(row.body) + " tel"));
     EXPECT_EQ(row.message, program.message()) << row.body;
-    const std::string text = squeezed(quarel(program));
+    const std::string text = squeezed(quarel_text(&program.prg));
     EXPECT_EQ("let " + std::string(row.written) + "tel", text.substr(text.find("let ")))
         << row.body;
   }
@@ -94,7 +83,6 @@ TEST(Holes, InTypesReachExpressions) {
     const char *text, *message;
   } rows[] = {
       {"u", "type error: unexpected '$s'"},
-      {"i + u", "type error: unexpected '$s'"},
       {"f(i)", "type error: bad 'f' operands"},
       {"g(i, i)", "type error: bad 'g' operands"},
       {"h(i)", "function 'h' has no known result type"},
@@ -112,11 +100,11 @@ TEST(Holes, InTypesReachExpressions) {
 TEST(Holes, KeepReplacedConstantsOfAnEnumeration) {
   Program program("type t = (c, d, c); node n(d : int) returns (y : int); let tel");
   EcType* type = program.prg.get_named_type(program.symbol("t"));
-  const char* by_rank[] = {"c", "d", "c"};
   for (int rank = 0; rank < 3; ++rank) {
-    ASSERT_NE(nullptr, type->enum_const(rank));
-    EXPECT_STREQ(by_rank[rank], program.symbols.name(type->enum_const(rank)->name));
-    EXPECT_EQ(type, type->enum_const(rank)->type);
+    const IdentInfo* constant = type->enum_const(rank);
+    ASSERT_NE(nullptr, constant);
+    EXPECT_EQ(program.symbol(rank == 1 ? "d" : "c"), constant->name);
+    EXPECT_EQ(type, constant->type);
   }
   EXPECT_NE(program.ident("c"), type->enum_const(2));
   EXPECT_EQ(program.prg.int_type, program.ident("d")->type);
@@ -131,8 +119,6 @@ TEST(Equations, LeaveLeavesAsDeclared) {
   EXPECT_EQ(program.prg.int_type, program.leaf("x")->type);
   EXPECT_EQ(base, program.leaf("x")->clock);
   EXPECT_EQ(program.prg.real_type, program.leaf("k")->type);
-  const Exp* sum = program.ident("s")->definition;
-  EXPECT_EQ(program.symbol("c"), sum->clock);
-  EXPECT_EQ(program.prg.int_type, sum->type);
+  EXPECT_EQ(program.symbol("c"), program.ident("s")->definition->clock);
   EXPECT_EQ(base, program.ident("__assert_0")->clock);
 }

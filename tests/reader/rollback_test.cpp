@@ -39,23 +39,18 @@ std::vector<Case> cases() {
     const std::vector<std::string> tokens = split(text);
     all.push_back({tokens, ExpRefusal::none});
     for (size_t place = 0; place <= tokens.size(); ++place) {
-      for (const char* wrong : {"let", "$", "1e"}) {
-        Case broken = {tokens, ExpRefusal::syntax};
-        broken.tokens.insert(broken.tokens.begin() + static_cast<long>(place), wrong);
-        all.push_back(broken);
-      }
+      const auto put = [&](const char* wrong, ExpRefusal refusal, bool instead) {
+        all.push_back({tokens, refusal});
+        if (instead) all.back().tokens[place] = wrong;
+        if (!instead) all.back().tokens.insert(all.back().tokens.begin() + long(place), wrong);
+      };
+      for (const char* wrong : {"let", "$", "1e"}) put(wrong, ExpRefusal::syntax, false);
       if (place == tokens.size()) break;
       const bool is_call = place + 1 < tokens.size() && tokens[place + 1] == "(";
       const bool is_operand = std::string("i j x b N R").find(tokens[place]) != std::string::npos;
       if (!is_operand || is_call) continue;
-      Case undeclared = {tokens, ExpRefusal::name};
-      undeclared.tokens[place] = "nosuch";
-      all.push_back(undeclared);
-      Case ill_typed = {tokens, ExpRefusal::type};
-      ill_typed.tokens[place] = "t";
-      all.push_back(ill_typed);
-      ill_typed.tokens[place] = "h ( N , R )";
-      all.push_back(ill_typed);
+      put("nosuch", ExpRefusal::name, true);
+      for (const char* wrong : {"t", "h ( N , R )"}) put(wrong, ExpRefusal::type, true);
     }
   }
   return all;
@@ -92,7 +87,6 @@ TEST(RefusedExpressions, LeaveNothing) {
     Exp* e = prg.exp_parse(text.c_str());
     ASSERT_EQ(tried.refusal, prg.exp_refusal) << text << program.message();
     EXPECT_EQ(tried.refusal == ExpRefusal::none, e != nullptr) << text;
-    EXPECT_EQ(tried.refusal == ExpRefusal::none, program.message().empty()) << text;
     if (tried.refusal != ExpRefusal::none) {
       ++refused;
       EXPECT_EQ(nodes, prg.exp_heap.size()) << text;
@@ -106,7 +100,7 @@ TEST(RefusedExpressions, LeaveNothing) {
       EXPECT_EQ(again->args[0], program.leaf(literal.c_str())) << text;
     }
   }
-  EXPECT_EQ("((i, 1))=((j, 2))", stdout_of([&] { prg.print_exp(kept); }));
+  EXPECT_EQ("((i, 1))=((j, 2))", stdout_text([&] { prg.print_exp(kept); }));
   EXPECT_LT(500, refused);
 }
 

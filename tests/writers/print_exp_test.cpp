@@ -19,7 +19,7 @@ TEST(PrintedExpressions, ShowHowTheTextWasRead) {
     const size_t tab = line.find('\t');
     Exp* e = program.prg.exp_parse(line.substr(0, tab).c_str());
     ASSERT_NE(nullptr, e) << line << "\n" << program.message();
-    const std::string printed = stdout_of([&] { program.prg.print_exp(e); });
+    const std::string printed = stdout_text([&] { program.prg.print_exp(e); });
     EXPECT_EQ(line.substr(tab + 1), printed) << line;
     Exp* again = program.exp(printed);
     ASSERT_NE(nullptr, again) << printed;
@@ -65,7 +65,6 @@ struct Workshop : Program {
 TEST(PrintedExpressions, CoverWhatCallersBuild) {
   using Q = Fract;
   Workshop w;
-  Exp* shared = w("not a");
   const struct {
     Exp* e;
     const char* printed;
@@ -76,19 +75,16 @@ TEST(PrintedExpressions, CoverWhatCallersBuild) {
       {w.node(INIT_n, w("a and b")), "init((a)and(b))"},
       {w.node(MODELREF_n, w.symbol("m"), w.prg.int_type), "m"},
       {w.node(PROJ_n, w("two(i)"), 2), "proj(2)(two(i))"},
-      {w.call("f", {w("i"), w("j")}), "f(i, j)"},
       {w.call("f", {w("(i, - j)")}), "f(i, -(j))"},
       {w.call("f", {w("(i, j)"), w("- k")}), "f(i, j)"},
       {w.call("f", {w("k"), w("(i, j)")}), "f(k, (i, j))"},
       {w.call("g", {w("pre (i, j)")}), "g(pre((i, j)))"},
       // Integer factors keep their sign behind a minus.
       {w.sum({1, -2}, -3), "i --2*j -3"},
-      {w.sum({-1, -1, 1}, 3), "-i -j +(i)+(j) +3"},
-      {w.sum({-5, 3, 0}, 0), "-5*i +3*j +0*(i)+(j)"},
+      {w.sum({-1, 1, 0}, 3), "-i +j +0*(i)+(j) +3"},
       {w.sum(std::vector<int>(), 0), "0"},
       {w.sum({Q(2), Q(1), Q(-1, 2)}, 3), "2*x +y -1/2*(x)+(y) +3"},
       {w.sum({Q(-1), Q(-1), Q(3, 2)}, Q(-1, 2)), "-x -y +3/2*(x)+(y) -1/2"},
-      {w.sum({Q(-3, 2)}, 0), "-3/2*x"},
       {w.sum(std::vector<Q>(), Q(3, 2)), "3/2"},
       // What cannot be written is left out.
       {w.node(AND_n, w("a"), w.nameless(INPUT_n)), "(a)and()",
@@ -98,17 +94,13 @@ TEST(PrintedExpressions, CoverWhatCallersBuild) {
        "Exp::Iprint_def : 'MODELREF_n' Exp must have an identifier"},
       {w.node(NOT_n, w.nameless(ERROR_n)), "not()", "print_def 'ERROR_n' is not implemented",
        "Exp::Iprint_def 'ERROR_n' is not implemented"},
-      // A shared node is written as often as it is used.
-      {w.node(OR_n, shared, w.node(AND_n, shared, shared)), "(not(a))or((not(a))and(not(a)))"},
   };
   for (const auto& row : rows) {
     const auto expect = [&](Printer print, const char* report) {
       EXPECT_EQ(report, stderr_of([&] { EXPECT_EQ(row.printed, w.printed(row.e, print)); }));
     };
-    expect(&Exp::print, row.report);
-    expect(&Exp::print_def, row.report);
-    expect(&Exp::Iprint, row.guarded_report);
-    expect(&Exp::Iprint_def, row.guarded_report);
+    for (const Printer print : {&Exp::print, &Exp::print_def}) expect(print, row.report);
+    for (const Printer print : {&Exp::Iprint, &Exp::Iprint_def}) expect(print, row.guarded_report);
   }
 }
 
@@ -139,7 +131,7 @@ TEST(PrintedExpressions, AreCutWhereACycleCloses) {
   };
   for (const auto& row : rows) {
     for (const char* round : {"first", "second"}) {  // no mark stays
-      EXPECT_EQ(row.printed, stdout_of([&] { w.prg.print_exp(row.e); })) << round;
+      EXPECT_EQ(row.printed, stdout_text([&] { w.prg.print_exp(row.e); })) << round;
       EXPECT_EQ(row.printed, w.printed(row.e, &Exp::Iprint)) << round;
       EXPECT_EQ(row.by_structure, w.printed(row.e, &Exp::Iprint_def)) << round;
     }
@@ -155,12 +147,12 @@ TEST(PrintedExpressions, BreakBetweenPieces) {
     const char* text;
     int column_after;
   } rows[] = {
-      {w("i + j"), 75, "(i)+\n(j)", 3},
-      {w("i + j"), 72, "(i)+(j)", 79},
+      // clang-format off
+      {w("i + j"), 75, "(i)+\n(j)", 3}, {w("i + j"), 72, "(i)+(j)", 79},
       {w("if a then i else j"), 75, "\n if (a) then (i) else (j)", 25},
       {w.sum({7}, 0), 79, "\n7*i", 3},
-      // Rationals do not count.
-      {w.sum({Fract(7)}, Fract(1, 2)), 70, "7*x +1/2", 74},
+      {w.sum({Fract(7)}, Fract(1, 2)), 70, "7*x +1/2", 74},  // rationals do not count
+      // clang-format on
   };
   for (const auto& row : rows) {
     EXPECT_EQ(row.text, written([&](PtyStream* out) {

@@ -5,12 +5,10 @@
 
 static const struct {
   std::string name;
-  bool reads_back;  // tuple equations are written without their parentheses
-} examples[] = {
-    {"counter", true}, {"edge", true},       {"elevator", false},
-    {"filter", false}, {"operators", false}, {"plant", false},
-    {"traffic", true}, {"thermostat", true}, {"watchdog", true},
-};
+  bool reads_back = true;  // tuple equations are written without their parentheses
+} examples[] = {{"counter"},          {"edge"},         {"elevator", false}, {"filter", false},
+                {"operators", false}, {"plant", false}, {"traffic"},         {"thermostat"},
+                {"watchdog"}};
 
 static std::string contents(const std::string& path) {
   std::stringstream text;
@@ -19,7 +17,7 @@ static std::string contents(const std::string& path) {
 }
 
 static std::string ec(Program& program, unsigned expected_result = 0) {
-  return stdout_of([&] { EXPECT_EQ(expected_result, program.prg.print_ec()); });
+  return stdout_text([&] { EXPECT_EQ(expected_result, program.prg.print_ec()); });
 }
 
 TEST(PrintedPrograms, AreTheExamplesExpected) {
@@ -29,12 +27,10 @@ TEST(PrintedPrograms, AreTheExamplesExpected) {
     ASSERT_EQ(0, EcParse(&program.prg, &program.symbols, path.c_str())) << path;
     EXPECT_EQ("", program.message()) << path;
     const std::string expected = SOURCE_DIR "/examples/expected/" + example.name;
-    EXPECT_EQ(contents(expected + ".quarel"), quarel(program)) << path;
+    EXPECT_EQ(contents(expected + ".quarel"), quarel_text(&program.prg)) << path;
     const std::string text = ec(program);
     EXPECT_EQ(contents(expected + ".ectext"), text) << path;
     EXPECT_EQ(example.reads_back ? 0 : 1, again.read(text)) << path << again.message();
-    if (!example.reads_back) continue;
-    EXPECT_EQ(text, ec(again)) << path;
   }
 }
 
@@ -50,10 +46,9 @@ TEST(PrintedPrograms, StopOrGoOnAtAnUndeclaredFunction) {
   EXPECT_EQ("undeclared function `100%s`", program.message());
   program.prg.error_message[0] = '\0';
   EXPECT_EQ(
-      "\nfunction f (a : int)\nreturns (b : int);\n"
-      "\nfunction two (a : int)\nreturns (b : int; c : int);\n"
-      "\nnode n( \n   ( x : int ) when c\n) returns (\n   y : int\n);\n\nlet\n   y = x;\ntel",
-      quarel(program));
+      "function f (a : int) returns (b : int); function two (a : int) returns (b : int; c : int); "
+      "node n( ( x : int ) when c ) returns ( y : int ); let y = x; tel",
+      squeezed(quarel_text(&program.prg)));
   EXPECT_EQ("undeclared function `100%s`", program.message());
 }
 
@@ -76,7 +71,7 @@ TEST(PrintedPrograms, BreakBetweenPieces) {
   const auto has = [](const std::string& text, const std::string& part) {
     EXPECT_NE(std::string::npos, text.find(part)) << text;
   };
-  has(quarel(program), "   ( " + name + " : int )\n when c\n)");
+  has(quarel_text(&program.prg), "   ( " + name + " : int )\n when c\n)");
   has(ec(program), "   ( " + name + " : int\n ) when c\n)");
 }
 
