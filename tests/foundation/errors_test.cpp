@@ -60,9 +60,10 @@ TEST_F(Messages, TheWheelTurnsOnATerminalOnly) {
   set_verbose_mode(1);
   EXPECT_EQ("", stderr_of([] { VerboseWheel(0); }));
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
-  ASSERT_EQ(0, grantpt(terminal));
-  ASSERT_EQ(0, unlockpt(terminal));
-  const int end = open(ptsname(terminal), O_RDWR | O_NOCTTY), kept = dup(STDERR_FILENO);
+  const bool usable = terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0;
+  const int end = usable ? open(ptsname(terminal), O_RDWR | O_NOCTTY) : -1;
+  if (end < 0) GTEST_SKIP() << "this machine lends no terminal";
+  const int kept = dup(STDERR_FILENO);
   dup2(end, STDERR_FILENO);
   for (int i = 0; i < 5; ++i) VerboseWheel(1);  // moves at every second call
   dup2(kept, STDERR_FILENO);
