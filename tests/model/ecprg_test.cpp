@@ -40,7 +40,8 @@ TEST(EcPrg, RanksWhatItDeclares) {
   } rows[] = {
       // clang-format off
       {"red", ENUM_CONST_mode, CONST_n, true, 2, 0},  // ranked from the last to the first
-      {"green", ENUM_CONST_mode, CONST_n, true, 1, 1}, {"blue", ENUM_CONST_mode, CONST_n, true, 0, 2},
+      {"green", ENUM_CONST_mode, CONST_n, true, 1, 1},
+      {"blue", ENUM_CONST_mode, CONST_n, true, 0, 2},
       {"k", USR_CONST_mode, CONST_n, true, -1, 3}, {"red2", USR_CONST_mode, CONST_n, true, -1, 4},
       {"x", INPUT_mode, INPUT_n, true, 0, 0}, {"z", INPUT_mode, INPUT_n, true, 2, 0},
       {"q", OUTPUT_mode, ECREF_n, false, 1, 0}, {"m", LOCAL_mode, ECREF_n, false, 1, 0},
@@ -65,7 +66,6 @@ TEST(EcPrg, RanksWhatItDeclares) {
   const FuncInfo* h = program.prg.function(program.symbol("h"));
   EXPECT_EQ(1, h->index);
   EXPECT_EQ("a int b bool", names(program, h->params));
-  EXPECT_EQ(nullptr, program.prg.ident(h->name));
 }
 
 TEST(EcPrg, PutsOutputsInFrontWhereAsked) {

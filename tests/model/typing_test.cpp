@@ -32,96 +32,72 @@ constexpr int as_read = -1;
 struct Rule {
   const char* text;
   const char* accepted;
-  const char* message;
+  std::string message;
   const char* types = "bixtcp";
   int built = as_read;
 };
 
+static std::string bad(const char* what) {
+  return std::string("type error: bad '") + what + "' operands";
+}
+static const char unknown[] = "type error: unexpected '$s'";
+static const char any[] = "b:bool i:int x:real t:token c:color p:int*bool";
+static const char any_pair[] = "bb:bool ii:bool xx:bool tt:bool cc:bool pp:bool";
+
 // clang-format off
 static const Rule rules[] = {
-    {"",          "",                               "type error: unexpected '$s'", "", ERROR_n},
-    {"",          "",                               "type error: unexpected '$s'", "", CONST_n},
-    {"",          "",                               "type error: unexpected '$s'", "", INPUT_n},
-    {"",          "",                               "type error: unexpected '$s'", "", ECREF_n},
-    {"",          "",                               "type error: unexpected '$s'", "", MODELREF_n},
-    {"",          "",                               "type error: unexpected '$s'", "", 40},
-    {"",          "",                               "", "", 41},
-    {"?",         "b:bool i:int x:real t:token c:color p:int*bool", ""},
-    {"12",        ":int",                           ""},
-    {"1e3",       ":real",                          ""},
-    {"false",     ":bool",                          ""},
-    {"red",       ":color",                         ""},
-    {"pre ?",     "b:bool i:int x:real t:token c:color p:int*bool", ""},
-    {"current ?", "b:bool i:int x:real t:token c:color p:int*bool", ""},
-    {"?",         "b:bool i:int x:real t:token c:color p:int*bool", "", "bixtcp", LAST_n},
-    {"?",         "b:bool",                         "type error: bad 'INIT_n' operands", "bixtcp", INIT_n},
-    {"not ?",     "b:bool",                         "type error: bad 'NOT_n' operands"},
-    {"- ?",       "i:int x:real",                   "type error: bad 'UMINUS_n' operand"},
-    {"real ?",    "i:real",                         "type error: bad 'INT2REAL_n' operand"},
-    {"int ?",     "x:int",                          "type error: bad 'REAL2INT_n' operand"},
-    {"? -> ?",    "bb:bool ii:int xx:real tt:token cc:color pp:int*bool", "type error: bad 'ARROW_n' operands"},
-    {"? when ?",  "bb:bool ib:int xb:real tb:token cb:color pb:int*bool", "type error: bad 'WHEN_n' operands"},
-    {"? and ?",   "bb:bool",                        "type error: bad 'AND_n' operands"},
-    {"? or ?",    "bb:bool",                        "type error: bad 'OR_n' operands"},
-    {"? xor ?",   "bb:bool",                        "type error: bad 'XOR_n' operands"},
-    {"? => ?",    "bb:bool",                        "type error: bad 'IMPL_n' operands"},
-    {"? = ?",     "bb:bool ii:bool xx:bool tt:bool cc:bool pp:bool", "type error: bad 'EQUAL_n' operands"},
-    {"? <> ?",    "bb:bool ii:bool xx:bool tt:bool cc:bool pp:bool", "type error: bad 'NEQ_n' operands"},
-    {"? >= ?",    "ii:bool xx:bool",                "type error: bad 'GTE_n' operands"},
-    {"? > ?",     "ii:bool xx:bool",                "type error: bad 'GT_n' operands"},
-    {"? <= ?",    "ii:bool xx:bool",                "type error: bad 'LTE_n' operands"},
-    {"? < ?",     "ii:bool xx:bool",                "type error: bad 'LT_n' operands"},
-    {"? div ?",   "ii:int",                         "type error: bad 'DIV_n' operands"},
-    {"? mod ?",   "ii:int",                         "type error: bad 'MOD_n' operands"},
-    {"? - ?",     "ii:int xx:real",                 "type error: bad 'MINUS_n' operands"},
-    {"? + ?",     "ii:int xx:real",                 "type error: bad 'PLUS_n' operands"},
-    {"? / ?",     "ii:int xx:real",                 "type error: bad 'SLASH_n' operands"},
-    {"? * ?",     "ii:int xx:real",                 "type error: bad 'TIMES_n' operands"},
-    {"? ** ?",    "ii:int xx:real",                 "type error: bad 'POWER_n' operands"},
+    {"", "", unknown, "", ERROR_n}, {"", "", unknown, "", CONST_n}, {"", "", unknown, "", INPUT_n},
+    {"", "", unknown, "", ECREF_n}, {"", "", unknown, "", MODELREF_n}, {"", "", unknown, "", 40},
+    {"", "", "", "", 41}, {"12", ":int", ""}, {"1e3", ":real", ""}, {"false", ":bool", ""},
+    {"red", ":color", ""}, {"?", any, ""}, {"pre ?", any, ""}, {"current ?", any, ""},
+    {"?", any, "", "bixtcp", LAST_n}, {"?", "b:bool", bad("INIT_n"), "bixtcp", INIT_n},
+    {"not ?", "b:bool", bad("NOT_n")},
+    {"- ?", "i:int x:real", "type error: bad 'UMINUS_n' operand"},
+    {"real ?", "i:real", "type error: bad 'INT2REAL_n' operand"},
+    {"int ?", "x:int", "type error: bad 'REAL2INT_n' operand"},
+    {"? -> ?", "bb:bool ii:int xx:real tt:token cc:color pp:int*bool", bad("ARROW_n")},
+    {"? when ?", "bb:bool ib:int xb:real tb:token cb:color pb:int*bool", bad("WHEN_n")},
+    {"? and ?", "bb:bool", bad("AND_n")}, {"? or ?", "bb:bool", bad("OR_n")},
+    {"? xor ?", "bb:bool", bad("XOR_n")}, {"? => ?", "bb:bool", bad("IMPL_n")},
+    {"? = ?", any_pair, bad("EQUAL_n")}, {"? <> ?", any_pair, bad("NEQ_n")},
+    {"? >= ?", "ii:bool xx:bool", bad("GTE_n")}, {"? > ?", "ii:bool xx:bool", bad("GT_n")},
+    {"? <= ?", "ii:bool xx:bool", bad("LTE_n")}, {"? < ?", "ii:bool xx:bool", bad("LT_n")},
+    {"? div ?", "ii:int", bad("DIV_n")}, {"? mod ?", "ii:int", bad("MOD_n")},
+    {"? - ?", "ii:int xx:real", bad("MINUS_n")}, {"? + ?", "ii:int xx:real", bad("PLUS_n")},
+    {"? / ?", "ii:int xx:real", bad("SLASH_n")}, {"? * ?", "ii:int xx:real", bad("TIMES_n")},
+    {"? ** ?", "ii:int xx:real", bad("POWER_n")},
     {"if ? then ? else ?", "bbb:bool bii:int bxx:real btt:token bcc:color bpp:int*bool",
-                                                    "type error: bad 'IF_n' operands"},
-    {"(?, ?)",    "bb:bool*bool bi:bool*int ib:int*bool ii:int*int", "", "bi"},
-    {"(?, x)",    "",                               "type error: bad 'TUPLE_n' operands", "p"},
-    {"(x, ?)",    "",                               "type error: bad 'TUPLE_n' operands", "p"},
-    {"(i, two(i))", "",                             "type error: bad 'TUPLE_n' operands"},
-    {"?",         "b:bool i:int x:real t:token c:color", "type error: bad 'TUPLE_n' operands", "bixtcp", TUPLE_n},
-    {"",          "",                               "type error: bad 'TUPLE_n' operands", "", TUPLE_n},
-    {"nor(?)",    "b:bool",                         "type error: bad 'NOR_n' operands"},
-    {"nor(?, ?, ?)", "bbb:bool",                    "type error: bad 'NOR_n' operands"},
-    {"",          ":bool",                          "", "", NOR_n},
-    {"#(?, ?, ?)", "bbb:bool",                      "type error: bad 'DIESE_n' operands"},
-    {"?",         "",                               "sorry, type of 'RCL_n' not yet implemented", "bixtcp", RCL_n},
-    {"?",         "",                               "sorry, type of 'ICL_n' not yet implemented", "bixtcp", ICL_n},
-    {"?",         "",                               "sorry, type of 'PROJ_n' not yet implemented", "bixtcp", PROJ_n},
-    {"f(?)",      "i:real",                         "type error: bad 'f' operands"},
-    {"f(?, ?)",   "",                               "type error: bad 'f' operands", "bixtc"},
-    {"g(?, ?)",   "ix:bool",                        "type error: bad 'g' operands", "bixtc"},
-    {"two(?)",    "i:bool*real",                    "type error: bad 'two' operands"},
-    {"h(?)",      "",                               "error: undeclared function 'h'"},
-    {"i(?)",      "",                               "error: undeclared function 'i'"},
+     bad("IF_n")},
+    {"(?, ?)", "bb:bool*bool bi:bool*int ib:int*bool ii:int*int", "", "bi"},
+    {"(?, x)", "", bad("TUPLE_n"), "p"}, {"(x, ?)", "", bad("TUPLE_n"), "p"},
+    {"(i, two(i))", "", bad("TUPLE_n")}, {"", "", bad("TUPLE_n"), "", TUPLE_n},
+    {"?", "b:bool i:int x:real t:token c:color", bad("TUPLE_n"), "bixtcp", TUPLE_n},
+    {"nor(?)", "b:bool", bad("NOR_n")}, {"nor(?, ?, ?)", "bbb:bool", bad("NOR_n")},
+    {"", ":bool", "", "", NOR_n}, {"#(?, ?, ?)", "bbb:bool", bad("DIESE_n")},
+    {"?", "", "sorry, type of 'RCL_n' not yet implemented", "bixtcp", RCL_n},
+    {"?", "", "sorry, type of 'ICL_n' not yet implemented", "bixtcp", ICL_n},
+    {"?", "", "sorry, type of 'PROJ_n' not yet implemented", "bixtcp", PROJ_n},
+    {"f(?)", "i:real", bad("f")}, {"f(?, ?)", "", bad("f"), "bixtc"},
+    {"g(?, ?)", "ix:bool", bad("g"), "bixtc"}, {"two(?)", "i:bool*real", bad("two")},
+    {"h(?)", "", "error: undeclared function 'h'"}, {"i(?)", "", "error: undeclared function 'i'"},
     // The first message stays, from the inside out and from left to right.
-    {"b -> not (i + (x and b))", "",              "type error: bad 'AND_n' operands"},
-    {"(not i) + (x and b)", "",                     "type error: bad 'NOT_n' operands"},
-    {"if i + x then - b else h(t)", "",             "type error: bad 'PLUS_n' operands"},
-    {"f(h(i + x))", "",                             "type error: bad 'PLUS_n' operands"},
+    {"b -> not (i + (x and b))", "", bad("AND_n")}, {"(not i) + (x and b)", "", bad("NOT_n")},
+    {"if i + x then - b else h(t)", "", bad("PLUS_n")}, {"f(h(i + x))", "", bad("PLUS_n")},
 };
 // clang-format on
+
+static std::string operand(char type) { return type == 'p' ? "(i, b)" : std::string(1, type); }
 
 static std::string outcome(Program& program, const Rule& rule, const std::string& operands) {
   program.prg.error_message[0] = '\0';
   Exp* e;
   if (rule.built == as_read) {
-    std::string text;
-    size_t used = 0;
-    for (const char* c = rule.text; *c != '\0'; ++c)
-      text += *c != '?'                 ? std::string(1, *c)
-              : operands[used++] == 'p' ? "(i, b)"
-                                        : std::string(1, operands[used - 1]);
+    std::string text = rule.text;
+    for (const char c : operands) text.replace(text.find('?'), 1, operand(c));
     e = program.exp(text);
   } else {
     std::vector<Exp*> args;
-    for (const char c : operands)
-      args.push_back(program.exp(c == 'p' ? "(i, b)" : std::string(1, c)));
+    for (const char c : operands) args.push_back(program.exp(operand(c)));
     const auto kind = static_cast<ExpNature>(rule.built);
     e = program.prg.enter(new Exp(kind, static_cast<int>(args.size()), args.data()));
   }

@@ -1,41 +1,36 @@
 #include "tests/support.h"
 
 static const std::string node = "node n(a, b : bool; i, j : int) returns (y : int); let ";
+static const std::string near = "syntax error line 1 near ", end = "'(unknown lexeme...)'";
 
 TEST(Files, AreReadOrRefusedWithALine) {
   const struct {
     std::string text;
     int result;
-    const char* message;
+    std::string message;
   } rows[] = {
-      {"", 0, ""},
-      {"(* nothing *) -- at all", 0, ""},
-      {node + "tel", 0, ""},
-      {node + "y = i; tel;", 0, ""},
-      {node + "assert a; (y) = i; tel,", 0, ""},
+      // clang-format off
+      {"", 0, ""}, {"(* nothing *) -- at all", 0, ""}, {node + "tel", 0, ""},
+      {node + "y = i; tel;", 0, ""}, {node + "assert a; (y) = i; tel,", 0, ""},
       {"const a, b : int; (c : bool) when k. const d : real; type t. type u, v = (r); "
-       "function f(x : int) returns (z : t), function g(x : int) returns (z : t) " +
-           node + "tel.",
+       "function f(x : int) returns (z : t), function g(x : int) returns (z : t) " + node + "tel.",
        0, ""},
-      {"const k : int;", 1, "syntax error line 1 near '(unknown lexeme...)'"},
-      {"const k : int, l : int;", 1, "syntax error line 1 near ','"},
-      {"type t = ();", 1, "syntax error line 1 near ')'"},
-      {"type t = (a, b;", 1, "syntax error line 1 near ';'"},
-      {"function f() returns (z : int)", 1, "syntax error line 1 near ')'"},
-      {"function f(x : bool; z : int) return", 1, "syntax error line 1 near 'return'"},
-      {"node 12", 1, "syntax error line 1 near '12'"},
+      {"const k : int;", 1, near + end}, {"const k : int, l : int;", 1, near + "','"},
+      {"type t = ();", 1, near + "')'"}, {"type t = (a, b;", 1, near + "';'"},
+      {"function f() returns (z : int)", 1, near + "')'"}, {"node 12", 1, near + "'12'"},
+      {"function f(x : bool; z : int) return", 1, near + "'return'"},
       // The line is that of the character behind the token.
       {"node n(x : int)\nreturns (y : int)\nlet\ntel", 1, "syntax error line 4 near 'let'"},
       {"node n(x : int) (* a\n\n *)\n1.5e3 ", 1, "syntax error line 4 near '1.5e3'"},
-      {node + "i + j = y; tel", 1, "syntax error line 1 near '+'"},
-      {node + "(a, y) = (i, j, (i, nor(a, b, tel", 1, "syntax error line 1 near 'tel'"},
-      {node + "y = i; tel;;", 1, "syntax error line 1 near ';'"},
-      {node + node, 1, "syntax error line 1 near 'node'"},
+      {node + "(a, y) = (i, j, (i, nor(a, b, tel", 1, near + "'tel'"},
+      {node + "i + j = y; tel", 1, near + "'+'"}, {node + "y = i; tel;;", 1, near + "';'"},
+      {node + node, 1, near + "'node'"},
       // A lexical error is the end: of a complete file, or of one that breaks off.
       {node + "y = i; tel.\n$", 0, "lexical error: unknown char '36' ($), line '2'"},
       {node + "y = i\n $; tel.", 1, "syntax error line 2 near '(unknown lexeme...)'"},
       {node + "y = " + std::string(20000, '('), 2, "memory exhausted line 1 near '('"},
       {node + "y = nor(i, " + std::string(20000, '('), 2, "memory exhausted line 1 near '('"},
+      // clang-format on
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.text.substr(0, 100));
@@ -48,20 +43,19 @@ TEST(Files, AreReadOrRefusedWithALine) {
 }
 
 TEST(StandAloneExpressions, AreReadOrRefused) {
-  const std::string near = "syntax error line 1 near ";
   const struct {
     std::string text, message;
   } rows[] = {
       // clang-format off
       {"\n i -- the whole\n", ""}, {std::string(5000, '(') + "i" + std::string(5000, ')'), ""},
-      {"", near + "'(unknown lexeme...)'"}, {"i +\n", "syntax error line 2 near '(unknown lexeme...)'"},
+      {"", near + end}, {"i +\n", "syntax error line 2 near " + end},
       {"i j", near + "'j'"}, {"i ;", near + "';'"}, {"()", near + "')'"}, {"(a, )", near + "')'"},
       {"f()", near + "')'"}, {"12(i)", near + "'('"}, {"#(a)", near + "')'"}, {"#a", near + "'a'"},
       {"nor a", near + "'a'"}, {"a -> -> b", near + "'->'"}, {"bool i", near + "'bool'"},
-      {"if a then i", near + "'(unknown lexeme...)'"}, {"a = not b = a", near + "'='"},
+      {"if a then i", near + end}, {"a = not b = a", near + "'='"},
       {"i true", near + "'true'"}, {"when", near + "'when'"},  // the low bytes of "#" and "%"
       {"if a then f(i, pre nosuch) else 1", "undeclared ident 'nosuch'"},
-      {"n", "undeclared ident 'n'"}, {"nosuch + ", near + "'(unknown lexeme...)'"},
+      {"n", "undeclared ident 'n'"}, {"nosuch + ", near + end},
       // The lexical message stays, also behind what would be a complete expression.
       {"i $", "lexical error: unknown char '36' ($), line '1'"},
       {"nosuch $", "lexical error: unknown char '36' ($), line '1'"},
