@@ -1,6 +1,7 @@
 // What a refused expression leaves behind: nothing.
 
-#include <sstream>
+#include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "tests/support.h"
@@ -22,35 +23,25 @@ const char* const good_texts[] = {
 
 // A text, or one that was made wrong, with what refuses it.
 struct Case {
-  std::vector<std::string> tokens;
+  std::string text;
   ExpRefusal refusal;
 };
 
-std::vector<std::string> split(const std::string& text) {
-  std::istringstream stream(text);
-  std::vector<std::string> tokens;
-  for (std::string token; stream >> token;) tokens.push_back(token);
-  return tokens;
-}
-
 std::vector<Case> cases() {
   std::vector<Case> all;
-  for (const char* text : good_texts) {
-    const std::vector<std::string> tokens = split(text);
-    all.push_back({tokens, ExpRefusal::none});
-    for (size_t place = 0; place <= tokens.size(); ++place) {
-      const auto put = [&](const char* wrong, ExpRefusal refusal, bool instead) {
-        all.push_back({tokens, refusal});
-        if (instead) all.back().tokens[place] = wrong;
-        if (!instead) all.back().tokens.insert(all.back().tokens.begin() + long(place), wrong);
-      };
-      for (const char* wrong : {"let", "$", "1e"}) put(wrong, ExpRefusal::syntax, false);
-      if (place == tokens.size()) break;
-      const bool is_call = place + 1 < tokens.size() && tokens[place + 1] == "(";
-      const bool is_operand = std::string("i j x b N R").find(tokens[place]) != std::string::npos;
-      if (!is_operand || is_call) continue;
-      put("nosuch", ExpRefusal::name, true);
-      for (const char* wrong : {"t", "h ( N , R )"}) put(wrong, ExpRefusal::type, true);
+  for (std::string text : good_texts) {
+    all.push_back({text, ExpRefusal::none});
+    text += ' ';  // the last token is empty, so that words come behind all others as well
+    for (size_t at = 0, end; at <= text.size(); at = end + 1) {
+      end = std::min(text.find(' ', at), text.size());
+      const std::string before = text.substr(0, at), after = text.substr(end);
+      for (const std::string wrong : {"let ", "$ ", "1e "})
+        all.push_back({before + wrong + text.substr(at), ExpRefusal::syntax});
+      const bool is_operand = end == at + 1 && std::strchr("ijxbNR", text[at]) != nullptr;
+      if (!is_operand) continue;
+      all.push_back({before + "nosuch" + after, ExpRefusal::name});
+      for (const std::string wrong : {"t", "h ( N , R )"})
+        all.push_back({before + wrong + after, ExpRefusal::type});
     }
   }
   return all;
@@ -69,12 +60,11 @@ TEST(RefusedExpressions, LeaveNothing) {
   for (const Case& tried : cases()) {
     std::string text;
     std::vector<std::string> fresh;
-    for (const std::string& token : tried.tokens) {
-      for (const std::string& word : split(token)) {
-        if (word == "N") fresh.push_back(std::to_string(++literals + 1000));
-        if (word == "R") fresh.push_back(std::to_string(++literals + 1000) + ".5");
-        text += (word == "N" || word == "R" ? fresh.back() : word) + " ";
-      }
+    std::istringstream words(tried.text);
+    for (std::string word; words >> word; text += word + " ") {
+      if (word != "N" && word != "R") continue;
+      word = std::to_string(++literals + 1000) + (word == "R" ? ".5" : "");
+      fresh.push_back(word);
     }
     // A function may be called like a number; a literal hides it while it stands.
     const int number = program.symbol(fresh.front().c_str());
