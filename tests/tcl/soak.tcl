@@ -12,13 +12,6 @@ set file [file join $env(TAMSEL_SOURCE) examples elevator.ec]
 set source [info script]
 set written [open /dev/null w]
 
-proc memory {} {
-    set channel [open /proc/self/statm]
-    set pages [lindex [read $channel] 1]
-    close $channel
-    expr {$pages * 4}
-}
-
 # One handle for the whole life: expressions that stay are printed and typed over and over.
 ecprg kept
 kept add-in int a
@@ -53,7 +46,9 @@ proc cycle {i} {
 set grown 0
 for {set tenth 1} {$tenth <= 10} {incr tenth} {
     for {set i 0} {$i < $cycles / 10} {incr i} {cycle $i}
-    set memory [memory]
+    set channel [open /proc/self/statm]
+    set memory [expr {[lindex [read $channel] 1] * 4}]
+    close $channel
     set descriptors [llength [glob /proc/self/fd/*]]
     puts "[expr {$tenth * $cycles / 10}] cycles: $memory kB, $descriptors descriptors"
     if {$tenth == 2} {
