@@ -6,7 +6,8 @@ proc quarelSetTclLib {} {
     #puts "Entering quarelSetTclLib"
     global env tcl_library tk_library quarel_install
     set code {TAMSEL STATE INSTALLATION}
-    if {![info exists env(QUAREL_INSTALL)]} {
+    # Another interpreter may have unset it, which `info exists` does not notice.
+    if {![info exists env(QUAREL_INSTALL)] || [catch {set env(QUAREL_INSTALL)}]} {
         error "INSTALLATION PROBLEM:\n==> environment variable QUAREL_INSTALL not defined\n" {} $code
     }
     set quarel_install $env(QUAREL_INSTALL)
