@@ -2,7 +2,8 @@
 //
 // Text is written in pieces. A piece is never split; one that would make the line reach the width
 // is moved to a new line, which then starts in column 0. Columns and widths count bytes. Each end
-// of a line flushes. Write errors are kept by the file and reported once, by close.
+// of a line flushes, unless the stream writes in blocks. Write errors are kept and reported once,
+// by close.
 #ifndef FOUNDATION_PTY_H
 #define FOUNDATION_PTY_H
 

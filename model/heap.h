@@ -10,30 +10,24 @@ template <class Record>
 class Heap {
  public:
   Heap() = default;
-  ~Heap() { cut_back(0); }
+  ~Heap() {
+    while (size() > 0) delete take_newest();
+  }
   Heap(const Heap&) = delete;
   Heap& operator=(const Heap&) = delete;
 
-  // After this, `count` calls of `enter` cannot fail. Throws bad_alloc.
-  void make_room(size_t count = 1) {
-    if (records_.capacity() - records_.size() < count)
-      records_.reserve(2 * records_.size() + count + 16);
+  // After this, one `enter` cannot fail. Throws bad_alloc.
+  void make_room() {
+    if (records_.size() == records_.capacity()) records_.reserve(2 * records_.size() + 16);
   }
-  // Takes `record`, for which there must be room, and returns it.
-  Record* enter(Record* record) noexcept {
-    records_.push_back(record);
-    return record;
-  }
+  // Takes `record`, for which there must be room.
+  void enter(Record* record) noexcept { records_.push_back(record); }
   size_t size() const { return records_.size(); }
   // Hands over the newest record; there must be one.
   Record* take_newest() {
     Record* record = records_.back();
     records_.pop_back();
     return record;
-  }
-  // Deletes the newest records until `size` are left.
-  void cut_back(size_t size) {
-    while (records_.size() > size) delete take_newest();
   }
   // Forgets all records without deleting them: somebody else owns them.
   void release() { records_.clear(); }
