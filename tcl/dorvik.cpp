@@ -121,15 +121,25 @@ void forget_interp(ClientData data, Tcl_Interp*) {
   dorvik->interp = nullptr;
 }
 
+// What both entry points do once the stubs are bound.
+int provide_package(Tcl_Interp* interp) {
+  if (Tcl_PkgProvideEx(interp, "Tamsel", TAMSEL_VERSION, nullptr) != TCL_OK) return TCL_ERROR;
+  if (Tcl_InitQuarel(interp) != TCL_OK) return TCL_ERROR;
+  if (TimeHandler_Init(interp) != 0) return TCL_ERROR;
+  return run_command(interp, [=] { return run_dorvik_Init(interp) == 0 ? TCL_OK : TCL_ERROR; });
+}
+
 }  // namespace
 
 int Dorvik_Init(Tcl_Interp* interp) {
   if (Tcl_InitStubs(interp, REQUIRED_TCL, 0) == nullptr) return TCL_ERROR;
   if (Tk_InitStubs(interp, REQUIRED_TCL, 0) == nullptr) return TCL_ERROR;
-  if (Tcl_PkgProvideEx(interp, "Tamsel", "1.0", nullptr) != TCL_OK) return TCL_ERROR;
-  if (Tcl_InitQuarel(interp) != TCL_OK) return TCL_ERROR;
-  if (TimeHandler_Init(interp) != 0) return TCL_ERROR;
-  return run_command(interp, [=] { return run_dorvik_Init(interp) == 0 ? TCL_OK : TCL_ERROR; });
+  return provide_package(interp);
+}
+
+int Dorvikbatch_Init(Tcl_Interp* interp) {
+  if (Tcl_InitStubs(interp, REQUIRED_TCL, 0) == nullptr) return TCL_ERROR;
+  return provide_package(interp);
 }
 
 int run_dorvik_Init(Tcl_Interp* interp) {

@@ -1,4 +1,4 @@
-// tcl/dorvik.h: the extension as Tcl sees it: its entry point, its global commands, and program
+// tcl/dorvik.h: the extension as Tcl sees it: its entry points, its global commands, and program
 // objects.
 //
 // Everything runs on the interpreter's thread. Words that come from scripts are never used as
@@ -19,6 +19,9 @@ struct Operation;
 // Binds the stubs of Tcl and Tk, provides package Tamsel 1.0, runs the start-up script and
 // registers all commands. TCL_ERROR where a step fails, with that step's message as the result.
 extern "C" __attribute__((visibility("default"))) int Dorvik_Init(Tcl_Interp* interp);
+
+// The same without Tk, and so without a display.
+extern "C" __attribute__((visibility("default"))) int Dorvikbatch_Init(Tcl_Interp* interp);
 
 // Makes the Dorvik of an interpreter. Returns 0.
 int run_dorvik_Init(Tcl_Interp* interp);
