@@ -116,7 +116,7 @@ void forget_interp(ClientData data, Tcl_Interp*) {
   Dorvik* dorvik = static_cast<Dorvik*>(data);
   while (EcPrgVar* left = dorvik->programs) {
     dorvik->remove_ecprg(left);
-    delete left;
+    left->release();
   }
   dorvik->interp = nullptr;
 }

@@ -60,13 +60,19 @@ class Dorvik {
 // The newest one. SIGINT is its.
 extern Dorvik* last_dorvik;
 
-// A program object: a program, and the handles that scripts have on its expressions.
+// A program object: a program, and the handles that scripts have on its expressions. Held by its
+// command and by each call that runs in it; the last release deletes it.
 class EcPrgVar {
  public:
   explicit EcPrgVar(Dorvik* dorvik) : owner(dorvik) {}
   ~EcPrgVar();
   EcPrgVar(const EcPrgVar&) = delete;
   EcPrgVar& operator=(const EcPrgVar&) = delete;
+
+  void hold() { ++holders; }
+  void release() {
+    if (--holders == 0) delete this;
+  }
 
   // Replaces the program by an empty node called `name`.
   void make_node(const char* name);
@@ -132,6 +138,7 @@ class EcPrgVar {
 
  private:
   struct Program;
+  int holders = 1;                                                      // see the class
   int run(const Operation& operation, int nparams, const char* params[]);
   void install(Program program);
   FILE* open_file(const Operation& operation, const char* name);

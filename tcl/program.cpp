@@ -94,17 +94,15 @@ bool EcPrgVar::has_command() const {
          found.clientData == this;
 }
 
-static void free_object(char* object) { delete reinterpret_cast<EcPrgVar*>(object); }
-
 int ECPRG_call(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]) {
   EcPrgVar* object = static_cast<EcPrgVar*>(data);
-  Tcl_Preserve(object);  // a trace may delete it meanwhile
+  object->hold();  // a trace may delete the command meanwhile
   const int result = run_command(interp, [=] {
     Verbose("call of : %s\n", object->command_name());
     if (argc < 2) return object->owner->cmd_error(argv[0], "<operation> [<param>*]");
     return object->call(argv[1], argc - 2, argv + 2);
   });
-  Tcl_Release(object);
+  object->release();
   return result;
 }
 
@@ -114,7 +112,7 @@ void ECPRG_delete(ClientData data) {
   object->owner->remove_ecprg(object);
   object->owner->print_ecprgs();
   object->command = nullptr;
-  Tcl_EventuallyFree(object, free_object);
+  object->release();
 }
 
 int EcPrgVar::call(const char* word, int nparams, const char* params[]) {
