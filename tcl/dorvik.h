@@ -85,7 +85,12 @@ class EcPrgVar {
   int call_error(const ErrorCode& code, const char* format, ...) PRINTF_LIKE(3, 4);
   int usage_error(const Operation& operation);
   // Delivers a copy of `text` as result; it outlives the program. Returns TCL_OK.
-  int text_result(const char* text);
+  int text_result(const char* text) {
+    // Into the empty result that stands ready, which saves making another and throwing it away.
+    if (Tcl_IsShared(Tcl_GetObjResult(owner->interp))) Tcl_ResetResult(owner->interp);
+    Tcl_SetStringObj(Tcl_GetObjResult(owner->interp), text, -1);
+    return TCL_OK;
+  }
 
   // The list with `object`, which is in none, at its head; `list` may be null.
   static EcPrgVar* add(EcPrgVar* list, EcPrgVar* object);
@@ -133,13 +138,13 @@ class EcPrgVar {
   Tcl_Command command = nullptr;         // null before it is created and when it is gone
   Tcl_Obj* full_name = nullptr;          // of the command; this object holds one reference
   Dorvik* owner;
+  int holders = 1;                                                      // see the class
   int new_ident_count = 0;                                              // of generated names
   IntListIndex input_index, output_index, local_index, function_index;  // of the program's lists
 
  private:
   struct Program;
-  int holders = 1;                                                      // see the class
-  int run(const Operation& operation, int nparams, const char* params[]);
+  int add_to_program(const Operation& operation, int nparams, const char* params[]);
   void install(Program program);
   FILE* open_file(const Operation& operation, const char* name);
   FILE* open_channel(const Operation& operation, const char* name);
@@ -171,6 +176,13 @@ struct Section {
   IntListIndex EcPrgVar::*index;  // null where nobody asks
 };
 
+// What an operation does to the program of its object.
+enum class Effect {
+  replaces,  // puts a whole new one there, as its last step; needs none
+  asks,      // leaves it as it is
+  adds,      // makes names, nodes or declarations, which go again where memory runs out
+};
+
 // One operation of program objects.
 struct Operation {
   const char* word;
@@ -178,7 +190,7 @@ struct Operation {
   int min_params;
   int max_params;     // -1: any number
   const char* usage;  // of the parameters, for the error on a wrong count; null: takes none
-  bool needs_program;
+  Effect effect;
   const Section* section;  // the list it asks or adds to, or null
   const char* help;        // what help prints behind the word
 };

@@ -12,15 +12,26 @@ const char* EcPrgVar::type_name(const EcType* type) const {
 }
 
 int EcPrgVar::query_result(const Operation& operation, const char* parameter, const char* result) {
-  Verbose(2, "=> %s %s: %s\n", operation.word, parameter, result);
+  if (Verbose() > 1) Verbose(2, "=> %s %s: %s\n", operation.word, parameter, result);
   return text_result(result);
+}
+
+// strtol in base 10. False where `text` does not begin with a number. Most indexes are a few
+// digits, which are read without the care for locales and large numbers that makes strtol slow.
+static bool read_index(const char* text, long* index) {
+  *index = 0;
+  const char* digit = text;
+  for (; is_digit(*digit) && digit != text + 9; ++digit) *index = 10 * *index + (*digit - '0');
+  if (digit != text && *digit == '\0') return true;
+  char* end;
+  *index = std::strtol(text, &end, 10);
+  return end != text;
 }
 
 // Finds the symbol at `index` of the operation's list.
 int EcPrgVar::select(const Operation& operation, const char* index, int* symbol) {
-  char* end;
-  const long i = std::strtol(index, &end, 10);
-  if (end == index) return usage_error(operation);
+  long i;
+  if (!read_index(index, &i)) return usage_error(operation);
   const Section& section = *operation.section;
   if (i > INT_MAX || i < 0 ||
       (this->*section.index).extract(prg.get()->*section.names, static_cast<int>(i), symbol) != 0)
@@ -32,7 +43,7 @@ int EcPrgVar::select(const Operation& operation, const char* index, int* symbol)
 int EcPrgVar::nbelts(const Operation& operation, int, const char*[]) {
   const int count = prg.get()->*operation.section->count;
   Tcl_SetObjResult(owner->interp, Tcl_NewIntObj(count));
-  Verbose(2, "=> %s : %d\n", operation.word, count);
+  if (Verbose() > 1) Verbose(2, "=> %s : %d\n", operation.word, count);
   return TCL_OK;
 }
 

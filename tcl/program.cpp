@@ -1,7 +1,10 @@
 // Program objects: the table of operations, their dispatch, and the life of an object.
 
+#include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 #include "foundation/errors.h"
 #include "tcl/dorvik.h"
@@ -14,60 +17,104 @@ static const Section functions = {&EcPrg::functions, &EcPrg::nb_functions,
                                   &EcPrgVar::function_index};
 
 // clang-format off
-const Operation operations[] = {
-    // word, handler, parameters from, to, usage, needs a program, section
+constexpr Operation operations[] = {
+    // word, handler, parameters from, to, usage, effect, section
     //     help
-    {"init", &EcPrgVar::init, 0, 1, "[<node-name>]", false, nullptr,
+    {"init", &EcPrgVar::init, 0, 1, "[<node-name>]", Effect::replaces, nullptr,
         " [<node name>]  --init an empty quarel node"},
-    {"load", &EcPrgVar::load, 1, 1, "<ec-file-name>", false, nullptr,
+    {"load", &EcPrgVar::load, 1, 1, "<ec-file-name>", Effect::replaces, nullptr,
         " <file.ec>  --load ec program from file"},
-    {"loadch", &EcPrgVar::load, 1, 1, "<ec-file-name>", false, nullptr,
+    {"loadch", &EcPrgVar::load, 1, 1, "<ec-file-name>", Effect::replaces, nullptr,
         " <fileid>   --load ec program from channel"},
-    {"dump", &EcPrgVar::dump, 0, 1, "[<ec-file-name>]", true, nullptr,
+    {"dump", &EcPrgVar::dump, 0, 1, "[<ec-file-name>]", Effect::asks, nullptr,
         " [<file>]  --dump the structure in quarel format"},
-    {"profile", &EcPrgVar::profile, 0, 0, "<index>", true, nullptr,
+    {"profile", &EcPrgVar::profile, 0, 0, "<index>", Effect::adds, nullptr,
         "  --get the program's profile"},
-    {"nb-ins", &EcPrgVar::nbelts, 0, 0, nullptr, true, &inputs,
+    {"nb-ins", &EcPrgVar::nbelts, 0, 0, nullptr, Effect::asks, &inputs,
         "   --get the number of inputs"},
-    {"nb-outs", &EcPrgVar::nbelts, 0, 0, nullptr, true, &outputs,
+    {"nb-outs", &EcPrgVar::nbelts, 0, 0, nullptr, Effect::asks, &outputs,
         "   --get the number of outputs"},
-    {"nb-locs", &EcPrgVar::nbelts, 0, 0, nullptr, true, &locals,
+    {"nb-locs", &EcPrgVar::nbelts, 0, 0, nullptr, Effect::asks, &locals,
         "   --get the number of locals"},
-    {"nb-asts", &EcPrgVar::nbelts, 0, 0, nullptr, true, &assertions,
+    {"nb-asts", &EcPrgVar::nbelts, 0, 0, nullptr, Effect::asks, &assertions,
         "   --get the number of assertions"},
-    {"nb-funcs", &EcPrgVar::nbelts, 0, 0, nullptr, true, &functions,
+    {"nb-funcs", &EcPrgVar::nbelts, 0, 0, nullptr, Effect::asks, &functions,
         "   --get the number of external functions"},
-    {"in-name", &EcPrgVar::varname, 1, 1, "<index>", true, &inputs,
+    {"in-name", &EcPrgVar::varname, 1, 1, "<index>", Effect::asks, &inputs,
         " <0..nb-inputs-1>  --get the name of an input"},
-    {"out-name", &EcPrgVar::varname, 1, 1, "<index>", true, &outputs,
+    {"out-name", &EcPrgVar::varname, 1, 1, "<index>", Effect::asks, &outputs,
         " <0..nb-outputs-1> --get the name of an output"},
-    {"loc-name", &EcPrgVar::varname, 1, 1, "<index>", true, &locals,
+    {"loc-name", &EcPrgVar::varname, 1, 1, "<index>", Effect::asks, &locals,
         " <0..nb-locals-1>  --get the name of a local"},
-    {"in-type", &EcPrgVar::vartype, 1, 1, "<index>", true, &inputs,
+    {"in-type", &EcPrgVar::vartype, 1, 1, "<index>", Effect::asks, &inputs,
         " <0..nb-inputs-1>  --get the type of an input"},
-    {"out-type", &EcPrgVar::vartype, 1, 1, "<index>", true, &outputs,
+    {"out-type", &EcPrgVar::vartype, 1, 1, "<index>", Effect::asks, &outputs,
         " <0..nb-outputs-1> --get the type of an output"},
-    {"loc-type", &EcPrgVar::vartype, 1, 1, "<index>", true, &locals,
+    {"loc-type", &EcPrgVar::vartype, 1, 1, "<index>", Effect::asks, &locals,
         " <0..nb-locals-1>  --get the type of an loacl"},
-    {"add-in", &EcPrgVar::addvar, 1, 2, "<type-name> [<var-name>]", true, &inputs,
+    {"add-in", &EcPrgVar::addvar, 1, 2, "<type-name> [<var-name>]", Effect::adds, &inputs,
         " [<ident>]  --creates a new input identifier"},
-    {"add-out", &EcPrgVar::addvar, 1, 2, "<type-name> [<var-name>]", true, &outputs,
+    {"add-out", &EcPrgVar::addvar, 1, 2, "<type-name> [<var-name>]", Effect::adds, &outputs,
         " [<ident>]  --creates a new output identifier"},
-    {"add-loc", &EcPrgVar::addvar, 1, 2, "<type-name> [<var-name>]", true, &locals,
+    {"add-loc", &EcPrgVar::addvar, 1, 2, "<type-name> [<var-name>]", Effect::adds, &locals,
         " [<ident>]  --creates a new local identifier"},
-    {"func-decl", &EcPrgVar::funcdecl, 1, 1, "<index>", true, &functions,
+    {"func-decl", &EcPrgVar::funcdecl, 1, 1, "<index>", Effect::adds, &functions,
         " <0..nb-funcs-1>  --get the declaration of a function"},
-    {"add-func", &EcPrgVar::addfunc, 4, -1, "<type-name> [<var-name>]", true, &functions,
+    {"add-func", &EcPrgVar::addfunc, 4, -1, "<type-name> [<var-name>]", Effect::adds, &functions,
         " <name> <type>+ : <type>+ --declares a external function"},
-    {"exp", &EcPrgVar::build_exp, 1, 1, "<quarel expression>", true, nullptr,
+    {"exp", &EcPrgVar::build_exp, 1, 1, "<quarel expression>", Effect::adds, nullptr,
         " <quarel expression>  --parse and build a quarel expression"},
-    {"eq", &EcPrgVar::equation, 2, 2, "<var name> <quarel expression>", true, nullptr,
+    {"eq", &EcPrgVar::equation, 2, 2, "<var name> <quarel expression>", Effect::adds, nullptr,
         " <var name> <quarel expression>  --defines an equation"},
-    {"exp-type", &EcPrgVar::exp_type, 1, 1, "<quarel expression>", true, nullptr,
+    {"exp-type", &EcPrgVar::exp_type, 1, 1, "<quarel expression>", Effect::adds, nullptr,
         " <quarel expression>  --get expression type"},
 };
 // clang-format on
-const int operation_count = sizeof operations / sizeof operations[0];
+constexpr int operation_count = sizeof operations / sizeof operations[0];
+
+namespace {
+
+// Finds an operation by its word in a few steps, wherever it stands in the table. Made of the table
+// by the compiler.
+class OperationIndex {
+ public:
+  constexpr OperationIndex() {
+    for (int row = 0; row < operation_count; ++row) {
+      size_t slot = slot_of(operations[row].word);
+      while (rows_[slot] != 0) slot = behind(slot);
+      rows_[slot] = static_cast<unsigned char>(row + 1);
+    }
+  }
+
+  // Null for a word that is none.
+  const Operation* find(const char* word) const {
+    for (size_t slot = slot_of(word); rows_[slot] != 0; slot = behind(slot)) {
+      const Operation& operation = operations[rows_[slot] - 1];
+      if (std::strcmp(operation.word, word) == 0) return &operation;
+    }
+    return nullptr;
+  }
+
+ private:
+  static constexpr size_t slots = 64;
+  static_assert(2 * operation_count <= slots, "more slots are needed");
+
+  static constexpr size_t behind(size_t slot) { return (slot + 1) % slots; }
+  // Gives each word of the table a slot of its own. One that met another would cost a step more.
+  static constexpr size_t slot_of(std::string_view word) {
+    if (word.empty()) return 0;
+    const auto character = [word](size_t place) { return static_cast<unsigned char>(word[place]); };
+    const size_t length = word.size();
+    return (4 * length + 3 * character(0) + 2 * character(length / 2) + character(3 * length / 4)) %
+           slots;
+  }
+
+  unsigned char rows_[slots] = {};  // from 1; 0: a free slot, where a search ends
+};
+
+constexpr OperationIndex operation_index;
+
+}  // namespace
 
 static void note_rename(ClientData data, Tcl_Interp*, const char*, const char* new_name, int) {
   static_cast<EcPrgVar*>(data)->note_name(new_name);
@@ -98,7 +145,7 @@ int ECPRG_call(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]
   EcPrgVar* object = static_cast<EcPrgVar*>(data);
   object->hold();  // a trace may delete the command meanwhile
   const int result = run_command(interp, [=] {
-    Verbose("call of : %s\n", object->command_name());
+    if (Verbose() > 0) Verbose("call of : %s\n", object->command_name());
     if (argc < 2) return object->owner->cmd_error(argv[0], "<operation> [<param>*]");
     return object->call(argv[1], argc - 2, argv + 2);
   });
@@ -116,25 +163,21 @@ void ECPRG_delete(ClientData data) {
 }
 
 int EcPrgVar::call(const char* word, int nparams, const char* params[]) {
-  const Operation* operation = operations;
-  const Operation* end = operations + operation_count;
-  while (operation != end &&
-         (operation->word[0] != word[0] || std::strcmp(operation->word, word) != 0))
-    ++operation;
-  if (operation == end)
+  const Operation* operation = operation_index.find(word);
+  if (operation == nullptr)
     return call_error({{"LOOKUP", "OPERATION", word}}, "unknown operation `%s'", word);
   if (nparams < operation->min_params ||
       (operation->max_params >= 0 && nparams > operation->max_params))
     return usage_error(*operation);
-  if (operation->needs_program && prg == nullptr)
+  if (operation->effect != Effect::replaces && prg == nullptr)
     return call_error({{"STATE", word}}, "%s %s: no file loaded", command_name(), word);
-  return run(*operation, nparams, params);
+  return operation->effect == Effect::adds
+             ? add_to_program(*operation, nparams, params)
+             : (this->*operation->handler)(*operation, nparams, params);
 }
 
-// Runs an operation, and takes back what it has made where memory runs out under it. A program is
-// replaced as a whole, and last, so that this finds the one that was there before.
-int EcPrgVar::run(const Operation& operation, int nparams, const char* params[]) {
-  if (prg == nullptr) return (this->*operation.handler)(operation, nparams, params);
+// Runs an operation, and takes back what it has made where memory runs out under it.
+int EcPrgVar::add_to_program(const Operation& operation, int nparams, const char* params[]) {
   const EcPrg::Mark program = prg->mark();
   const int names = symbols->nb_symbols;
   const int handles = exp_names->nb_symbols;
@@ -166,11 +209,6 @@ int EcPrgVar::usage_error(const Operation& operation) {
   return call_error(code, "usage: %s %s %s", command_name(), operation.word, operation.usage);
 }
 
-int EcPrgVar::text_result(const char* text) {
-  Tcl_SetObjResult(owner->interp, Tcl_NewStringObj(text, -1));
-  return TCL_OK;
-}
-
 EcPrgVar* EcPrgVar::add(EcPrgVar* list, EcPrgVar* object) {
   object->next = list;
   if (list != nullptr) list->previous = object;
@@ -194,10 +232,11 @@ const char* EcPrgVar::exp2string(Exp* e) {
 }
 
 Exp* EcPrgVar::string2exp(const char* handle) {
-  unsigned long address;
-  if (exp_names->find_text(formatted_name(handle).c_str()) == 0 ||
-      std::sscanf(handle, "_exp%lX", &address) != 1)
-    return nullptr;
+  // As it stands: a text that means another name has a '%', which no handle has.
+  if (exp_names->find_text(handle) == 0) return nullptr;
+  const std::string_view digits = std::string_view(handle).substr(4);  // behind "_exp"
+  uintptr_t address = 0;
+  std::from_chars(digits.begin(), digits.end(), address, 16);
   return reinterpret_cast<Exp*>(address);
 }
 
