@@ -53,8 +53,6 @@ int Verbose(int level, const char* format, ...) {
   return VERBOSE;
 }
 
-int Verbose() { return VERBOSE; }
-
 int VerboseWheel(int period) {
   if (VERBOSE == 0 || !isatty(STDERR_FILENO)) return VERBOSE;
   if (WHEEL_STEP < period) {

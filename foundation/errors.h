@@ -23,7 +23,7 @@ void set_errors_tool_name(const char* name);  // borrows `name` for good
 // In pipe mode a leading '\r' or '\b' of the format becomes a line that starts with "^R" or "^B".
 int Verbose(const char* format, ...) PRINTF_LIKE(1, 2);
 int Verbose(int level, const char* format, ...) PRINTF_LIKE(2, 3);
-int Verbose();
+inline int Verbose() { return VERBOSE; }
 // Turns a wheel on a terminal once every `period` + 1 calls. Returns the level.
 int VerboseWheel(int period);
 

@@ -123,14 +123,13 @@ int IntIterator::operator()() {
   return cursor->value;
 }
 
-int IntListIndex::extract(const IntList* list, int i, int* out) {
-  if (i < 0) return 1;
+bool IntListIndex::walk_to(const IntList* list, int i) {
+  if (i < 0) return false;
   while (values_.size() <= static_cast<size_t>(i)) {
     const IntList* cell = walked_to_ != nullptr ? walked_to_->next : list;
-    if (cell == nullptr) return 1;
+    if (cell == nullptr) return false;
     values_.push_back(cell->value);
     walked_to_ = cell;
   }
-  *out = values_[static_cast<size_t>(i)];
-  return 0;
+  return true;
 }

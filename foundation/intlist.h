@@ -7,6 +7,7 @@
 #ifndef FOUNDATION_INTLIST_H
 #define FOUNDATION_INTLIST_H
 
+#include <cstddef>
 #include <vector>
 
 class IntList {
@@ -72,9 +73,17 @@ class IntListIndex {
  public:
   // The same as extract of `list`, which is the same list each time, in constant time: a cell is
   // walked over once, however often elements are asked for.
-  int extract(const IntList* list, int i, int* out);
+  int extract(const IntList* list, int i, int* out) {
+    const size_t place = static_cast<size_t>(i);  // a negative one is behind all elements
+    if (place >= values_.size() && !walk_to(list, i)) return 1;
+    *out = values_[place];
+    return 0;
+  }
 
  private:
+  // Walks on until element `i` is among the values. False where there is none.
+  bool walk_to(const IntList* list, int i);
+
   std::vector<int> values_;             // of the cells walked over
   const IntList* walked_to_ = nullptr;  // the last of them
 };

@@ -209,11 +209,6 @@ void SymbolTable::cut_back(int count) {
   while (nb_symbols > count) tape->forget_last((*names)[--nb_symbols]);
 }
 
-const char* SymbolTable::name(int number) const {
-  if (number < 1 || number > nb_symbols) return "?";
-  return (*names)[number - 1];
-}
-
 void SymbolTable::print() {
   for (int number = 1; number <= nb_symbols; ++number) {
     printf("symbol[%3d]= \"%s\"\n", number, name(number));

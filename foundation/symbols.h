@@ -100,7 +100,9 @@ class SymbolTable {
   void cut_back(int count);
 
   // The text of symbol `number`, borrowed from the table; "?" for a number that names nothing.
-  const char* name(int number) const;
+  const char* name(int number) const {
+    return number < 1 || number > nb_symbols ? "?" : (*names)[number - 1];
+  }
 
   // Prints one line a symbol on standard output, in order of numbers.
   void print();

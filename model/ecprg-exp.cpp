@@ -127,6 +127,7 @@ EcType* TypeChecker::call(Exp* exp) {
 }  // namespace
 
 EcType* EcPrg::type(Exp* e) {
+  if (e->type != nullptr) return e->type;
   TypeChecker checker(this);
   walk(e, checker);
   return e->type;
