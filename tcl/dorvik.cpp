@@ -111,6 +111,11 @@ bool make_way(Tcl_Interp* interp, const char* name) {
   return false;
 }
 
+int creation_error(Tcl_Interp* interp, const char* name) {
+  return deliver_error(interp, {{"STATE", "COMMAND", name}},
+                       std::string("can't create command '") + name + "'");
+}
+
 // Objects that are still there have lost their command without being told.
 void forget_interp(ClientData data, Tcl_Interp*) {
   Dorvik* dorvik = static_cast<Dorvik*>(data);
@@ -181,10 +186,10 @@ int Dorvik::create_ecprg(const char* name, int nparams, const char* params[]) {
   auto fresh = std::make_unique<EcPrgVar>(this);
   const bool has_node = nparams <= 1;
   if (has_node) fresh->make_node(nparams == 1 ? params[0] : tail_of(name));
-  if (!make_way(interp, name)) return error("can't create command '%s'", name);
+  if (!make_way(interp, name)) return creation_error(interp, name);
   EcPrgVar* object = fresh.get();
   Tcl_Command command = Tcl_CreateCommand(interp, name, ECPRG_call, object, ECPRG_delete);
-  if (command == nullptr) return error("can't create command '%s'", name);
+  if (command == nullptr) return creation_error(interp, name);
   object->set_command(command);
   programs = EcPrgVar::add(programs, fresh.release());
   Verbose("creation of : %s\n", object->command_name());
