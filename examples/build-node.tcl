@@ -1,8 +1,8 @@
-# build-node.tcl LIBRARY: builds a node from nothing, with its expressions checked as they are made.
+# build-node.tcl: builds a node from nothing, with its expressions checked as they are made.
 #
 # The node is a counter with a limit. What it prints is in expected/build-node.out.
 
-load [lindex $argv 0]
+package require Tamsel
 
 ecprg limiter
 

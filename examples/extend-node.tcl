@@ -1,10 +1,11 @@
-# extend-node.tcl LIBRARY [FILE.ec]: loads a program and extends it.
+# extend-node.tcl [FILE.ec]: loads a program and extends it.
 #
 # Adds an input `force` and, for each boolean output, a local that says what the output would be under it.
 # Without a file it takes watchdog.ec; what it prints then is in expected/extend-node.out.
 
-lassign $argv library file
-load $library
+package require Tamsel
+
+set file [lindex $argv 0]
 if {$file eq ""} {
     set file [file join [file dirname [info script]] watchdog.ec]
 }
