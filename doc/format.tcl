@@ -14,6 +14,15 @@ proc read_page {file} {
     return $text
 }
 
+# doctools drops empty lines from HTML, also where they are part of an example.
+proc mark_empty_lines {text mark} {
+    set inside 0
+    join [lmap line [split $text \n] {
+        if {[string match {\[example_*} $line]} {set inside [string match *begin* $line]}
+        expr {$inside && $line eq "" ? $mark : $line}
+    }] \n
+}
+
 set style {
     body {max-width: 50em; margin: 2em auto; padding: 0 1em; font-family: sans-serif; line-height: 1.4}
     h1 {font-size: 1.5em} h2 {font-size: 1.2em; border-bottom: 1px solid #ccc} h3 {font-size: 1.05em}
@@ -33,7 +42,8 @@ if {$format eq "html"} {
     manual setparam xref $links
     manual setparam meta "<meta charset=\"utf-8\"><style>$style</style>"
 }
-set text [manual format [read_page $page]]
+set mark \1
+set text [string map [list $mark {}] [manual format [mark_empty_lines [read_page $page] $mark]]]
 foreach warning [manual warnings] {puts stderr "$page: $warning"}
 if {[llength [manual warnings]] > 0} {exit 1}
 
