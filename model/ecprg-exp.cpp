@@ -12,8 +12,8 @@ class TypeChecker : public ExpVisitor {
  public:
   explicit TypeChecker(EcPrg* prg) : prg_(prg) {}
 
-  bool enter(Exp* exp, Exp*, int) override { return !failed_ && exp->type == nullptr; }
-  void leave(Exp* exp, Exp*) override {
+  bool enter(Exp* exp, Exp*, int) { return !failed_ && exp->type == nullptr; }
+  void leave(Exp* exp, Exp*) {
     if (failed_) return;
     exp->type = typed(exp);
     failed_ = exp->type == nullptr;

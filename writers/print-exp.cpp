@@ -25,9 +25,9 @@ class ExpPrinter : public ExpVisitor {
   ExpPrinter(const ExpNotation& notation, bool by_structure, PtyStream* out, SymbolTable* symbols)
       : notation_(notation), by_structure_(by_structure), out_(out), symbols_(symbols) {}
 
-  bool enter(Exp* exp, Exp* parent, int place) override;
-  void between(Exp* exp, int place) override;
-  void leave(Exp* exp, Exp* parent) override;
+  bool enter(Exp* exp, Exp* parent, int place);
+  void between(Exp* exp, int place);
+  void leave(Exp* exp, Exp* parent);
 
  private:
   // A call writes the members of a tuple that it is given as its own arguments, and nothing else.

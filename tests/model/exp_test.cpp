@@ -59,7 +59,7 @@ TEST(Exp, IsBuiltFromOperandsOrAList) {
 
 TEST(Walk, AsksNothingOfAVisitorThatMinds) {
   struct : ExpVisitor {
-    void leave(Exp*, Exp*) override { ++nodes; }
+    void leave(Exp*, Exp*) { ++nodes; }
     int nodes = 0;
   } counter;
   Program program("node n(a : bool) returns (b : bool); let b = a and (a or not a); tel");
