@@ -37,9 +37,9 @@ Exp::~Exp() {
 }
 
 void ExpHeap::cut_back(const Mark& mark) {
-  while (nodes_.size() > mark.size) {
-    Exp* e = nodes_.back();
-    nodes_.pop_back();
+  for (; size_ > mark.size; --size_) {
+    Exp* e = newest_;
+    newest_ = e->made_before_;
     if (e->in_arena_)
       e->~Exp();
     else

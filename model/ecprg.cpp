@@ -146,9 +146,7 @@ IdentInfo* EcPrg::declared_ident(int symbol) {
 
 // --- Equations and assertions.
 
-Exp* EcPrg::enter(Exp* e) {
-  return e != nullptr ? exp_heap.enter(std::unique_ptr<Exp>(e)) : nullptr;
-}
+Exp* EcPrg::enter(Exp* e) { return e != nullptr ? exp_heap.enter(e) : nullptr; }
 
 // What an equation or assertion says of its right side. A leaf is shared with every other use of
 // its name and keeps what its declaration says.

@@ -112,9 +112,15 @@ Exp::Exp(ExpNature kind, int n, Exp** a, int* coefficients, int k) : Exp(kind, n
 }
 
 Exp::Exp(ExpNature kind, int symbol, EcType* leaf_type, int leaf_clock)
-    : type(leaf_type), clock(leaf_clock), ident(symbol), nature(kind) {}
+    : clock(leaf_clock), type(leaf_type), ident(symbol), nature(kind) {}
 
 Exp::Exp(ExpNature kind, int symbol, EcType* leaf_type) : Exp(kind, symbol, leaf_type, -1) {}
+
+void ExpHeap::add(Exp* e) noexcept {
+  e->made_before_ = newest_;
+  newest_ = e;
+  ++size_;
+}
 
 // The operands stand behind the node, in the same piece of memory.
 Exp* ExpHeap::node(ExpNature kind, int n, Exp* const* operands, int rank) {
@@ -126,7 +132,7 @@ Exp* ExpHeap::node(ExpNature kind, int n, Exp* const* operands, int rank) {
   e->args = reinterpret_cast<Exp**>(e + 1);
   e->order = rank;
   std::copy_n(operands, n, e->args);
-  nodes_.push_back(e);
+  add(e);
   return e;
 }
 
@@ -138,9 +144,9 @@ Exp* ExpHeap::leaf(ExpNature kind, int symbol, EcType* type, int clock) {
   return e;
 }
 
-Exp* ExpHeap::enter(std::unique_ptr<Exp> e) {
-  nodes_.push_back(e.get());
-  return e.release();
+Exp* ExpHeap::enter(Exp* e) noexcept {
+  add(e);
+  return e;
 }
 
 int Exp::projection_order() {

@@ -5,7 +5,6 @@
 #ifndef MODEL_EXP_H
 #define MODEL_EXP_H
 
-#include <deque>
 #include <memory>
 
 #include "foundation/arena.h"
@@ -182,27 +181,31 @@ class Exp {
   void Iprint(PtyStream* out, SymbolTable* symbols);
   void Iprint_def(PtyStream* out, SymbolTable* symbols);
 
-  EcType* type = nullptr;    // null until known
-  int clock = -1;            // symbol of its clock; -1 until known
-  int key = 0;               // for users of the model to number nodes
-  ExpInfo* infos = nullptr;  // owned
-  int reserved = 0;          // nothing reads it
-  int ident = 0;             // symbol of a leaf
-  ExpNature nature;
-  int nb_args = 0;
-  Exp** args = nullptr;  // `nb_args` operands; the array is owned, the nodes are the program's
-  int order = 0;         // see the constructor
+  ExpInfo* infos = nullptr;         // owned
+  int key = 0;                      // for users of the model to number nodes
+  int reserved = 0;                 // nothing reads it
   std::unique_ptr<int[]> ints;      // one coefficient an operand, or null
-  int int_param = 0;                // the constant that goes with `ints`
   std::unique_ptr<Fract[]> coeffs;  // one coefficient an operand, or null
   Fract constant = Fract(0);        // the constant that goes with `coeffs`
+  int int_param = 0;                // the constant that goes with `ints`
+  // From here on what every pass asks for. It stands together, and next to the operands.
+  int clock = -1;          // symbol of its clock; -1 until known
+  EcType* type = nullptr;  // null until known
+  int ident = 0;           // symbol of a leaf
+  int order = 0;           // see the constructor
+  ExpNature nature;
 
  private:
   friend class ExpHeap;
-  bool in_arena_ = false;  // with its array of operands
+  bool in_arena_ = false;       // with its array of operands
+  Exp* made_before_ = nullptr;  // the next older node of its heap
+
+ public:
+  int nb_args = 0;
+  Exp** args = nullptr;  // `nb_args` operands; the array is owned, the nodes are the program's
 };
 
-// The nodes of a program, in the order of their making. Owns them.
+// The nodes of a program. Owns them.
 class ExpHeap {
  public:
   // How many nodes there were at some time.
@@ -220,22 +223,25 @@ class ExpHeap {
   // they need, and are not to be deleted. Throw bad_alloc with nothing changed.
   Exp* node(ExpNature kind, int n, Exp* const* operands, int rank = 0);
   Exp* leaf(ExpNature kind, int symbol, EcType* type, int clock);
-  // Takes a node that was made with `new`, also when it throws bad_alloc.
-  Exp* enter(std::unique_ptr<Exp> e);
+  // Takes a node that was made with `new`, and returns it.
+  Exp* enter(Exp* e) noexcept;
 
-  size_t size() const { return nodes_.size(); }
-  // Calls `visit` for every node, the oldest first.
+  size_t size() const { return size_; }
+  // Calls `visit` for every node, the newest first.
   template <class Visit>
   void each(Visit visit) {
-    for (Exp* e : nodes_) visit(e);
+    for (Exp* e = newest_; e != nullptr; e = e->made_before_) visit(e);
   }
-  Mark mark() const { return {nodes_.size(), arena_.mark()}; }
+  Mark mark() const { return {size_, arena_.mark()}; }
   // Deletes the nodes made since `mark`.
   void cut_back(const Mark& mark);
 
  private:
+  void add(Exp* e) noexcept;
+
   Arena arena_;
-  std::deque<Exp*> nodes_;
+  Exp* newest_ = nullptr;
+  size_t size_ = 0;
 };
 
 #endif
