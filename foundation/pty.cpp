@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <stdexcept>
 
 static FILE* open_output(const char* name) {
   if (strcmp(name, "stdout") == 0) return stdout;
@@ -29,6 +30,17 @@ static void keep_first(int* kept, int error) {
 
 static int capped(unsigned long long bytes) {
   return static_cast<int>(std::min<unsigned long long>(bytes, INT_MAX));
+}
+
+PieceRun::PieceRun(std::initializer_list<const char*> pieces) {
+  for (const char* piece : pieces) {
+    const size_t length = strlen(piece);
+    if (length == 0) continue;
+    if (size_ + length > room || count_ == sizeof ends_) throw std::length_error(piece);
+    memcpy(text_ + size_, piece, length);
+    size_ = static_cast<unsigned char>(size_ + length);
+    ends_[count_++] = size_;
+  }
 }
 
 PtyStream* PtyStream::_of_stdout = nullptr;
@@ -67,23 +79,31 @@ void PtyStream::untab() {
   --tab_depth;
 }
 
-void PtyStream::write_in_blocks() { block_.reset(new char[block_size]); }
+void PtyStream::write_in_blocks() {
+  block_.reset(new char[block_size]);
+  cursor_ = block_.get();
+  room_ = block_size;
+}
 
+// Leaves the block empty; of a stream without one, does nothing.
 void PtyStream::write_block() {
-  if (fwrite(block_.get(), 1, in_block_, file) != in_block_) keep_first(&write_error_, errno);
-  in_block_ = 0;
+  if (block_ == nullptr) return;
+  const size_t size = block_size - room_;
+  if (size > 0 && fwrite(block_.get(), 1, size, file) != size) keep_first(&write_error_, errno);
+  cursor_ = block_.get();
+  room_ = block_size;
 }
 
 // Writes what does not fit into the block, or of a stream without one. It is used by one thread, so
 // its characters need no lock each; most pieces are a few characters.
 void PtyStream::write_through(const char* text, size_t length) {
-  if (in_block_ > 0) write_block();
+  write_block();
   for (const char* end = text + length; text != end; ++text)
     if (putc_unlocked(*text, file) == EOF) keep_first(&write_error_, errno);
 }
 
 FILE* PtyStream::direct_file() {
-  if (in_block_ > 0) write_block();
+  write_block();
   return file;
 }
 
@@ -109,7 +129,30 @@ void PtyStream::break_line(size_t length) {
   column = capped(length);
 }
 
+void PtyStream::put_each(const PieceRun& run) {
+  size_t start = 0;
+  for (int i = 0; i < run.count_; ++i) {
+    piece(run.text_ + start, run.ends_[i] - start);
+    start = run.ends_[i];
+  }
+}
+
 void PtyStream::put_text(const char* text) {
+  // Most texts are one piece that fits the line and the block: copied while they are measured.
+  const long long fits = std::min(width - 1LL - column, static_cast<long long>(room_));
+  long long length = 0;
+  for (; length < fits && static_cast<unsigned char>(text[length]) >= ' '; ++length)
+    cursor_[length] = text[length];
+  if (length > 0 && text[length] == '\0') {
+    cursor_ += length;
+    room_ -= static_cast<size_t>(length);
+    column += static_cast<int>(length);
+    return;
+  }
+  put_pieces(text);
+}
+
+void PtyStream::put_pieces(const char* text) {
   while (*text != '\0') {
     size_t length = 0;
     while (text[length] != '\0' && text[length] != '\n' && text[length] != '\f') ++length;
@@ -160,7 +203,7 @@ void PtyStream::put(TmpPtyStream* t) {
 }
 
 void PtyStream::flush() {
-  if (in_block_ > 0) write_block();
+  write_block();
   if (fflush(file) != 0) {
     keep_first(&write_error_, errno);
   } else if (ferror(file)) {

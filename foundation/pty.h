@@ -10,12 +10,31 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 #include <string>
 
 #include "foundation/text.h"
 
 class TmpPtyStream;
+
+// Pieces that are always written one after the other, measured once. Together they are short.
+class PieceRun {
+ public:
+  static constexpr size_t room = 16;  // characters, at most
+
+  PieceRun() = default;
+  // None of `pieces`, which are at most four, has "\n" or "\f" in it; those that are empty are
+  // left out. Longer ones throw length_error.
+  PieceRun(std::initializer_list<const char*> pieces);
+
+ private:
+  friend class PtyStream;
+  char text_[room] = {};
+  unsigned char ends_[4] = {};  // where each piece ends
+  unsigned char count_ = 0;
+  unsigned char size_ = 0;  // of the text
+};
 
 class PtyStream {
  public:
@@ -54,6 +73,17 @@ class PtyStream {
   void put_literal(const char (&text)[size]) {
     static_assert(size > 1, "an empty text is not a piece");
     piece(text, size - 1);
+  }
+  void put(const PieceRun& run) {
+    // Where all of it fits, no piece breaks the line.
+    if (run.size_ < width - static_cast<long long>(column) && PieceRun::room <= room_) {
+      std::memcpy(cursor_, run.text_, PieceRun::room);
+      cursor_ += run.size_;
+      room_ -= run.size_;
+      column += run.size_;
+    } else {
+      put_each(run);
+    }
   }
   void put(int n);
   void put(float x);
@@ -96,21 +126,26 @@ class PtyStream {
   // The automatic break before a piece of `length`.
   void break_line(size_t length);
   void write(const char* text, size_t length) {
-    if (block_ == nullptr || length > block_size - in_block_) {
+    if (length > room_) {
       write_through(text, length);
     } else {
-      std::memcpy(block_.get() + in_block_, text, length);
-      in_block_ += length;
+      std::memcpy(cursor_, text, length);
+      cursor_ += length;
+      room_ -= length;
     }
   }
   void write_through(const char* text, size_t length);
+  void put_each(const PieceRun& run);
+  void put_pieces(const char* text);
   void end_line();
 
   void write_block();
 
-  int write_error_ = 0;            // errno of the first failed write
-  std::unique_ptr<char[]> block_;  // what is not yet written, of a stream that writes in blocks
-  size_t in_block_ = 0;
+  int write_error_ = 0;  // errno of the first failed write
+  // What is not yet written, of a stream that writes in blocks: up to the cursor.
+  std::unique_ptr<char[]> block_;
+  char* cursor_ = nullptr;
+  size_t room_ = 0;  // bytes of the block behind the cursor
 };
 
 // The same stream over an anonymous temporary file, which vanishes with it. The process exits with

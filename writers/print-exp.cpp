@@ -1,5 +1,7 @@
 // Expressions as text. Every operand stands in parentheses of its own, so no priorities are needed.
 
+#include <array>
+
 #include "model/ecprg.h"
 #include "model/walk.h"
 
@@ -16,6 +18,51 @@ struct ExpNotation {
 
 constexpr ExpNotation plain_notation = {"Exp::print_def", "print_def", false};
 constexpr ExpNotation guarded_notation = {"Exp::Iprint_def", "Exp::Iprint_def", true};
+
+// How a kind is written. What stands between operands stands before the second and each further
+// one.
+struct Layout {
+  ExpForm form = ExpForm::none;
+  PieceRun open;  // behind what a node writes of its own
+  PieceRun before_second;
+  PieceRun before_others;
+  PieceRun close;
+};
+
+Layout layout_of(const ExpKind& kind) {
+  const PieceRun comma = {", "};
+  switch (kind.form) {
+    case ExpForm::prefix:
+    case ExpForm::list:
+      return {kind.form, {kind.keyword, "("}, comma, comma, {")"}};
+    case ExpForm::infix: {
+      const PieceRun infix = {")", kind.keyword, "("};
+      return {kind.form, {"("}, infix, infix, {")"}};
+    }
+    case ExpForm::conditional:
+      return {kind.form, {" if ("}, {") then ("}, {") else ("}, {")"}};
+    case ExpForm::projection:
+      return {kind.form, {")("}, comma, comma, {")"}};
+    case ExpForm::call:
+      return {kind.form, {"("}, comma, comma, {")"}};
+    case ExpForm::none:
+    case ExpForm::leaf:
+    case ExpForm::rational:
+    case ExpForm::integer:
+      break;
+  }
+  return {kind.form, {}, {}, {}, {}};
+}
+
+// The layouts by nature; made once.
+const Layout* layouts() {
+  static const auto rows = [] {
+    std::array<Layout, EXP_NATURES> made;
+    for (const ExpKind& kind : ExpNatureKeys) made[kind.nature] = layout_of(kind);
+    return made;
+  }();
+  return rows.data();
+}
 
 void* const set_mark = reinterpret_cast<void*>(1);
 
@@ -37,6 +84,9 @@ class ExpPrinter : public ExpVisitor {
   }
   bool is_marked(const Exp* parent) const {
     return notation_.cuts_cycles && !(by_structure_ && parent == nullptr);
+  }
+  const Layout& layout_of(const Exp* exp) const {
+    return layouts_[exp->nature < EXP_NATURES ? exp->nature : ERROR_n];
   }
   bool open(Exp* exp);
 
@@ -80,6 +130,7 @@ class ExpPrinter : public ExpVisitor {
 
   const ExpNotation& notation_;
   const bool by_structure_;
+  const Layout* const layouts_ = layouts();
   PtyStream* const out_;
   SymbolTable* const symbols_;
 };
@@ -104,8 +155,8 @@ bool ExpPrinter::enter(Exp* exp, Exp* parent, int place) {
 
 // Writes what stands before the operands. False where nothing follows.
 bool ExpPrinter::open(Exp* exp) {
-  const ExpKind* kind = exp_kind(exp->nature);
-  switch (kind != nullptr ? kind->form : ExpForm::none) {
+  const Layout& layout = layout_of(exp);
+  switch (layout.form) {
     case ExpForm::none:
       EcPrg::ierror("%s '%s' is not implemented", notation_.implementer, nodekey(exp->nature));
       return false;
@@ -113,68 +164,50 @@ bool ExpPrinter::open(Exp* exp) {
       if (exp->ident != 0)
         out_->put_text(symbols_->name(exp->ident));
       else
-        EcPrg::ierror("%s : '%s' Exp must have an identifier", notation_.printer, kind->name);
+        EcPrg::ierror("%s : '%s' Exp must have an identifier", notation_.printer,
+                      nodekey(exp->nature));
       return false;
-    case ExpForm::infix:
-      out_->put_literal("(");
-      return true;
-    case ExpForm::prefix:
-    case ExpForm::list:
-      out_->put_text(kind->keyword);
-      out_->put_literal("(");
-      return true;
-    case ExpForm::conditional:
-      out_->put_literal(" if (");
-      return true;
-    case ExpForm::projection:
-      out_->put_literal("proj(");
-      out_->put(exp->projection_order());
-      out_->put_literal(")(");
-      return true;
-    case ExpForm::call:
-      out_->put_text(symbols_->name(exp->function_ident()));
-      out_->put_literal("(");
-      return true;
     case ExpForm::rational:
       return open_combination(exp, exp->coeffs.get(), exp->constant);
     case ExpForm::integer:
       return open_combination(exp, exp->ints.get(), exp->int_param);
+    case ExpForm::projection:
+      out_->put_literal("proj(");
+      out_->put(exp->projection_order());
+      break;
+    case ExpForm::call:
+      out_->put_text(symbols_->name(exp->function_ident()));
+      break;
+    case ExpForm::prefix:
+    case ExpForm::infix:
+    case ExpForm::conditional:
+    case ExpForm::list:
+      break;
   }
-  return false;
+  out_->put(layout.open);
+  return true;
 }
 
 void ExpPrinter::between(Exp* exp, int place) {
   if (takes_tuple(exp)) return;
-  switch (exp_kind(exp->nature)->form) {
-    case ExpForm::infix:
-      out_->put_literal(")");
-      out_->put_text(opkey(exp->nature));
-      out_->put_literal("(");
-      return;
-    case ExpForm::conditional:
-      out_->put_text(place == 1 ? ") then (" : ") else (");
-      return;
-    case ExpForm::rational:
-      return continue_combination(exp->coeffs.get(), place);
-    case ExpForm::integer:
-      return continue_combination(exp->ints.get(), place);
-    default:
-      out_->put_literal(", ");
-  }
+  const Layout& layout = layout_of(exp);
+  if (layout.form == ExpForm::rational)
+    continue_combination(exp->coeffs.get(), place);
+  else if (layout.form == ExpForm::integer)
+    continue_combination(exp->ints.get(), place);
+  else
+    out_->put(place == 1 ? layout.before_second : layout.before_others);
 }
 
 void ExpPrinter::leave(Exp* exp, Exp* parent) {
   if (takes_tuple(parent)) return;
-  switch (exp_kind(exp->nature)->form) {
-    case ExpForm::rational:
-      close_combination(exp->constant);
-      break;
-    case ExpForm::integer:
-      close_combination(exp->int_param);
-      break;
-    default:
-      out_->put_literal(")");
-  }
+  const Layout& layout = layout_of(exp);
+  if (layout.form == ExpForm::rational)
+    close_combination(exp->constant);
+  else if (layout.form == ExpForm::integer)
+    close_combination(exp->int_param);
+  else
+    out_->put(layout.close);
   if (is_marked(parent)) exp->drop_info(Iprint_current_mark);
 }
 
