@@ -1,7 +1,7 @@
-# scripts/show.tcl LIBRARY FILE...: shows EC programs: what each declares, and its Quarel text.
+# scripts/show.tcl FILE...: shows EC programs: what each declares, and its Quarel text.
 #
-# For tclsh 8.6 with a display. A file that cannot be shown is reported on standard error and passed
-# over; the exit status is then 1.
+# For a tclsh that finds package Tamsel; needs no display. A file that cannot be shown is reported on
+# standard error and passed over; the exit status is then 1.
 
 # Names longer than this do not widen their column.
 set widest_column 40
@@ -63,14 +63,13 @@ proc explain {result code} {
   return $text
 }
 
-if {[llength $argv] < 2} {fail "usage: show.tcl LIBRARY FILE..."}
-set files [lassign $argv library]
-if {[catch {load $library} result]} {
-  fail "could not load $library: $result"
+if {[llength $argv] == 0} {fail "usage: show.tcl FILE..."}
+if {[catch {package require Tamsel} result]} {
+  fail "could not load the library: $result"
 }
 
 set status 0
-foreach file $files {
+foreach file $argv {
   ecprg program
   try {
     show program $file
@@ -82,4 +81,4 @@ foreach file $files {
   }
   rename program {}
 }
-exit $status  ;# said, since Tk would go on to wait for events
+exit $status  ;# also where Tk is loaded, which would go on to wait for events
