@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# tests/scripts/install-test.sh BUILD COMPILER FLAGS [PRELOAD]: what `cmake --install` puts into a folder is
+# enough to build the example C++ program, by find_package and by pkg-config, and for package require.
+#
+# The example is compiled like the library, with COMPILER and FLAGS; PRELOAD is what tclsh has to load
+# before a sanitized library.
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+build=$1
+export CXX=$2 CXXFLAGS=$3
+preload=${4:-}
+
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+prefix=$folder/prefix
+"$root/scripts/quietly.sh" cmake --install "$build" --prefix "$prefix"
+
+check() {  # PROGRAM: it shows the example as is kept
+  "$1" "$root/examples/thermostat.ec" | diff "$root/examples/expected/ecshow.out" -
+}
+
+"$root/scripts/quietly.sh" cmake -G Ninja -S "$root/examples/cpp" -B "$folder/build" \
+  -DCMAKE_PREFIX_PATH="$prefix"
+"$root/scripts/quietly.sh" cmake --build "$folder/build"
+check "$folder/build/ecshow"
+
+pkgconfig=$(dirname "$(find "$prefix" -name tamsel.pc)")
+# shellcheck disable=SC2046,SC2086  # one word an option
+$CXX $CXXFLAGS -std=c++17 "$root/examples/cpp/ecshow.cpp" \
+  $(PKG_CONFIG_PATH=$pkgconfig pkg-config --cflags --libs tamsel) -o "$folder/ecshow"
+check "$folder/ecshow"
+
+# No installed header includes one that is not.
+(cd "$prefix/include/tamsel" && find . -name '*.h' -printf '#include "%P"\n') |
+  $CXX -std=c++17 -fsyntax-only -I "$prefix/include/tamsel" -x c++ -
+
+cat >"$folder/session.tcl" <<END
+package require Tamsel
+ecprg p
+p load "$root/examples/watchdog.ec"
+puts [p profile]
+END
+said=$(env -u DISPLAY -u QUAREL_INSTALL TCLLIBPATH="$prefix/lib/tcltk" LD_PRELOAD="$preload" \
+  tclsh8.6 "$folder/session.tcl")
+[[ $said == "watchdog bool bool bool : bool int int" ]] || {
+  echo "package require from the installed folder gave: $said"
+  exit 1
+}
