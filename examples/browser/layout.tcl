@@ -1,0 +1,421 @@
+# layout.tcl: places boxes in layers from left to right, and wires between them.
+#
+# What is needed stands left of what needs it. A wire that closes a cycle runs back; those that
+# carry a past value (through `pre`) are chosen for that. Wires that pass a layer get a place in it,
+# like a very thin box, so that they do not run through the others.
+
+namespace eval ::tamselbrowser::layout {
+  variable gap_across 16   ;# between two boxes of a layer
+  variable thin_gap 7      ;# about a passing wire
+  variable gap_along 34    ;# between two layers, at least
+  variable rounds 10       ;# of ordering
+
+  # The strongly connected components of a graph, `next` being vertex -> list of vertices: a
+  # dictionary vertex -> number of its component. Tarjan's, with a stack of its own.
+  proc components {vertices next} {
+    set count 0
+    set component {}
+    set low {}
+    set seen {}
+    set open {}
+    foreach root $vertices {
+      if {[dict exists $seen $root]} continue
+      set path [list $root]
+      set rest [list [dict get $next $root]]
+      dict set seen $root [dict size $seen]
+      dict set low $root [dict get $seen $root]
+      lappend open $root
+      while {$path ne ""} {
+        set vertex [lindex $path end]
+        set todo [lassign [lindex $rest end] to]
+        if {[lindex $rest end] ne ""} {
+          lset rest end $todo
+          if {![dict exists $seen $to]} {
+            dict set seen $to [dict size $seen]
+            dict set low $to [dict get $seen $to]
+            lappend open $to
+            lappend path $to
+            lappend rest [dict get $next $to]
+          } elseif {![dict exists $component $to]} {
+            dict set low $vertex [expr {min([dict get $low $vertex], [dict get $seen $to])}]
+          }
+          continue
+        }
+        set path [lrange $path 0 end-1]
+        set rest [lrange $rest 0 end-1]
+        if {$path ne ""} {
+          set parent [lindex $path end]
+          dict set low $parent [expr {min([dict get $low $parent], [dict get $low $vertex])}]
+        }
+        if {[dict get $low $vertex] == [dict get $seen $vertex]} {
+          incr count
+          while 1 {
+            set member [lindex $open end]
+            set open [lrange $open 0 end-1]
+            dict set component $member $count
+            if {$member eq $vertex} break
+          }
+        }
+      }
+    }
+    return $component
+  }
+
+  proc successors {vertices edges} {
+    foreach vertex $vertices {dict set next $vertex {}}
+    foreach edge $edges {dict lappend next [lindex $edge 0] [lindex $edge 1]}
+    return $next
+  }
+
+  # The edges that may decide on the layers: without those that close a cycle. Of a cycle all
+  # delayed edges are left out; of one that has none, the edges that a depth-first search finds last.
+  proc forward_edges {vertices edges} {
+    set component [components $vertices [successors $vertices $edges]]
+    set kept {}
+    foreach edge $edges {
+      lassign $edge from to delayed
+      if {$from eq $to} continue
+      if {$delayed && [dict get $component $from] == [dict get $component $to]} continue
+      lappend kept $edge
+    }
+    set next [successors $vertices $kept]
+    set state {}  ;# vertex -> 1 while it is on the path, 2 after
+    set dropped {}
+    foreach root $vertices {
+      if {[dict exists $state $root]} continue
+      set path [list $root]
+      set rest [list [dict get $next $root]]
+      dict set state $root 1
+      while {$path ne ""} {
+        if {[lindex $rest end] eq ""} {
+          dict set state [lindex $path end] 2
+          set path [lrange $path 0 end-1]
+          set rest [lrange $rest 0 end-1]
+          continue
+        }
+        lset rest end [lassign [lindex $rest end] to]
+        if {![dict exists $state $to]} {
+          dict set state $to 1
+          lappend path $to
+          lappend rest [dict get $next $to]
+        } elseif {[dict get $state $to] == 1} {
+          dict set dropped [list [lindex $path end] $to] 1
+        }
+      }
+    }
+    lmap edge $kept {
+      if {[dict exists $dropped [lrange $edge 0 1]]} continue
+      set edge
+    }
+  }
+
+  # The layer, from 0, of each vertex: one more than the highest before it; and what nothing stands
+  # before moves up to where it is first needed.
+  proc layers {vertices edges} {
+    set next [successors $vertices $edges]
+    foreach vertex $vertices {
+      dict set layer $vertex 0
+      dict set missing $vertex 0
+    }
+    foreach edge $edges {dict incr missing [lindex $edge 1]}
+    set sources [lmap vertex $vertices {
+      if {[dict get $missing $vertex] > 0} continue
+      set vertex
+    }]
+    set ready $sources
+    for {set i 0} {$i < [llength $ready]} {incr i} {
+      set vertex [lindex $ready $i]
+      set after [expr {[dict get $layer $vertex] + 1}]
+      foreach to [dict get $next $vertex] {
+        if {[dict get $layer $to] < $after} {dict set layer $to $after}
+        dict incr missing $to -1
+        if {[dict get $missing $to] == 0} {lappend ready $to}
+      }
+    }
+    foreach vertex $sources {
+      set followers [lmap to [dict get $next $vertex] {dict get $layer $to}]
+      if {$followers ne ""} {
+        dict set layer $vertex [expr {[tcl::mathfunc::min {*}$followers] - 1}]
+      }
+    }
+    return $layer
+  }
+
+  # The places that a wire passes, from its beginning to its end, as a list of layers. A wire that
+  # runs back also passes the layers of its two ends, to get round them.
+  proc passed {from to} {
+    set layers {}
+    if {$from < $to} {
+      for {set i [expr {$from + 1}]} {$i < $to} {incr i} {lappend layers $i}
+    } else {
+      for {set i $from} {$i >= $to} {incr i -1} {lappend layers $i}
+    }
+    return $layers
+  }
+
+  # The places nearest to `wanted`, a list from top to bottom, that keep the distances `apart` (one
+  # between each two). Neighbours that get in each other's way form blocks that move as one.
+  proc settle {wanted apart} {
+    set blocks {}  ;# {sum count mean} of the wanted places, each less the distance from the top
+    set offset 0
+    set offsets {}
+    foreach place $wanted distance [concat 0 $apart] {
+      set offset [expr {$offset + $distance}]
+      lappend offsets $offset
+      set sum [expr {double($place - $offset)}]
+      set count 1
+      while {$blocks ne "" && [lindex $blocks end 2] > $sum / $count} {
+        lassign [lindex $blocks end] its_sum its_count
+        set sum [expr {$sum + $its_sum}]
+        incr count $its_count
+        set blocks [lrange $blocks 0 end-1]
+      }
+      lappend blocks [list $sum $count [expr {$sum / $count}]]
+    }
+    set places {}
+    foreach block $blocks {
+      lassign $block _ count mean
+      for {} {$count > 0} {incr count -1} {
+        lappend places [expr {$mean + [lindex $offsets [llength $places]]}]
+      }
+    }
+    return $places
+  }
+
+  # Sorts the vertices of a layer by the mean position of their neighbours.
+  proc sort_layer {vertices neighbours position} {
+    set keyed {}
+    foreach vertex $vertices {
+      set near [dict get $neighbours $vertex]
+      set sum 0.0
+      foreach other $near {set sum [expr {$sum + [dict get $position $other]}]}
+      set key [expr {$near eq "" ? double([dict get $position $vertex]) : $sum / [llength $near]}]
+      lappend keyed [list $key $vertex]
+    }
+    lmap pair [lsort -real -index 0 $keyed] {lindex $pair 1}
+  }
+
+  # Orders the vertices of each layer so that few wires cross. `columns` is the list of layers,
+  # `before` and `after` say who is wired to whom in the layers beside. A task.
+  proc order {columns before after} {
+    variable rounds
+    foreach column $columns {
+      set i 0
+      foreach vertex $column {dict set position $vertex [incr i]}
+    }
+    for {set round 0} {$round < $rounds} {incr round} {
+      set back [expr {$round % 2}]
+      set indexes {}
+      for {set i 0} {$i < [llength $columns]} {incr i} {lappend indexes $i}
+      foreach i [expr {$back ? [lreverse $indexes] : $indexes}] {
+        set column [sort_layer [lindex $columns $i] [expr {$back ? $after : $before}] $position]
+        lset columns $i $column
+        # Between 0 and 1, as layers of different sizes are compared.
+        set step [expr {1.0 / ([llength $column] + 1)}]
+        set place 0
+        foreach vertex $column {dict set position $vertex [set place [expr {$place + $step}]]}
+        ::tamselbrowser::work::pause $round $rounds
+      }
+    }
+    return $columns
+  }
+
+  # The height of the middle of each vertex, `heights` being their sizes. A task.
+  proc heights {columns before after sizes} {
+    variable gap_across
+    variable thin_gap
+    set middle {}
+    set apart {}  ;# for each layer the least distances between its middles
+    foreach column $columns {
+      set distances {}
+      set last ""
+      set y 0
+      foreach vertex $column {
+        set size [dict get $sizes $vertex]
+        if {$last ne ""} {
+          set gap [expr {$size == 0 || $last == 0 ? $thin_gap : $gap_across}]
+          lappend distances [set distance [expr {($last + $size) / 2.0 + $gap}]]
+          set y [expr {$y + $distance}]
+        }
+        dict set middle $vertex $y
+        set last $size
+      }
+      lappend apart $distances
+    }
+    foreach ways {before after before after both both both} {
+      set indexes {}
+      for {set i 0} {$i < [llength $columns]} {incr i} {lappend indexes $i}
+      if {$ways eq "after"} {set indexes [lreverse $indexes]}
+      foreach i $indexes {
+        set wanted {}
+        foreach vertex [lindex $columns $i] {
+          set near {}
+          if {$ways ne "after"} {lappend near {*}[dict get $before $vertex]}
+          if {$ways ne "before"} {lappend near {*}[dict get $after $vertex]}
+          set sum 0.0
+          foreach other $near {set sum [expr {$sum + [dict get $middle $other]}]}
+          lappend wanted [expr {$near eq "" ? [dict get $middle $vertex] : $sum / [llength $near]}]
+        }
+        foreach vertex [lindex $columns $i] y [settle $wanted [lindex $apart $i]] {
+          dict set middle $vertex $y
+        }
+        ::tamselbrowser::work::pause $i [llength $columns]
+      }
+    }
+    return $middle
+  }
+
+  # The left and right ends of the layers, a list of {LEFT RIGHT}.
+  proc spans {columns boxes edge_counts} {
+    variable gap_along
+    set x 0
+    lmap column $columns count $edge_counts {
+      set width 0
+      foreach vertex $column {
+        if {[dict exists $boxes $vertex]} {
+          set width [expr {max($width, [lindex [dict get $boxes $vertex] 0])}]
+        }
+      }
+      set span [list $x [expr {$x + $width}]]
+      # The more wires, the more room to bend.
+      set x [expr {$x + $width + $gap_along + min(3 * $count, 90)}]
+      set span
+    }
+  }
+
+  # Adds to `points` a curve to (x, y) that begins and ends level.
+  proc bend {points x y} {
+    lassign [lrange $points end-1 end] from_x from_y
+    set middle [expr {($from_x + $x) / 2.0}]
+    list {*}$points $middle $from_y $middle $y $x $y
+  }
+
+  # The same round a corner: `side` is where it bulges, 1 right, -1 left.
+  proc turn {points x y side} {
+    lassign [lrange $points end-1 end] from_x from_y
+    set far [expr {($side > 0 ? max($from_x, $x) : min($from_x, $x)) + $side * 26}]
+    list {*}$points $far $from_y $far $y $x $y
+  }
+
+  # The curve of a wire, as the points of cubic curves. `places` are the {LAYER Y} that it passes.
+  proc curve {start end places spans is_back} {
+    set points $start
+    if {$is_back} {
+      set number 0
+      foreach place $places {
+        lassign $place layer y
+        lassign [lindex $spans $layer] left right
+        set points [expr {[incr number] == 1 ? [turn $points $right $y 1] : [bend $points $right $y]}]
+        set points [bend $points $left $y]
+      }
+      return [turn $points {*}$end -1]
+    }
+    foreach place $places {
+      lassign $place layer y
+      lassign [lindex $spans $layer] left right
+      set points [bend [bend $points $left $y] $right $y]
+    }
+    bend $points {*}$end
+  }
+
+  # Places a picture. `boxes` is name -> {WIDTH HEIGHT}, `edges` a list of {FROM TO DELAYED}, without
+  # doubles. Returns {PLACES WIRES}: name -> {LEFT TOP RIGHT BOTTOM}, and a list of
+  # {FROM TO DELAYED POINTS}; the wire of a name to itself has no points. A task.
+  proc place {boxes edges} {
+    set names [dict keys $boxes]
+    set layer [layers $names [forward_edges $names $edges]]
+    set columns [lrepeat [expr {1 + [tcl::mathfunc::max 0 {*}[dict values $layer]]}] {}]
+    foreach name $names {
+      set column [lindex $columns [dict get $layer $name]]
+      lset columns [dict get $layer $name] [lappend column $name]
+      dict set before $name {}
+      dict set after $name {}
+      dict set sizes $name [lindex [dict get $boxes $name] 1]
+    }
+    # The thin boxes of the wires, {wire number}, and who is wired to whom.
+    set counts [lrepeat [llength $columns] 0]
+    set passing {}
+    set wire 0
+    foreach edge $edges {
+      lassign $edge from to
+      set thin {}
+      if {$from ne $to} {
+        set start [dict get $layer $from]
+        set end [dict get $layer $to]
+        set is_back [expr {$start >= $end}]
+        foreach its_layer [passed $start $end] {
+          # The leading blank sets them apart from names.
+          set vertex " $wire $its_layer"
+          set column [lindex $columns $its_layer]
+          lset columns $its_layer [lappend column $vertex]
+          lappend thin $vertex
+          dict set sizes $vertex 0
+          dict set before $vertex {}
+          dict set after $vertex {}
+        }
+        foreach a [list $from {*}$thin] b [list {*}$thin $to] {
+          if {$is_back} {lassign [list $b $a] a b}
+          dict lappend after $a $b
+          dict lappend before $b $a
+        }
+        set first [expr {min($start, $end)}]
+        lset counts $first [expr {[lindex $counts $first] + 1}]
+      }
+      lappend passing $thin
+      incr wire
+    }
+    set columns [order $columns $before $after]
+    set middle [heights $columns $before $after $sizes]
+    set spans [spans $columns $boxes $counts]
+
+    set places {}
+    foreach name $names {
+      # As wide as the layer, so that no wire cuts the corner of a wider neighbour.
+      lassign [lindex $spans [dict get $layer $name]] left right
+      set half [expr {[dict get $sizes $name] / 2.0}]
+      set y [dict get $middle $name]
+      dict set places $name [list $left [expr {$y - $half}] $right [expr {$y + $half}]]
+    }
+    set ends [arrivals $edges $passing $middle]
+    set wires {}
+    foreach edge $edges thin $passing shift $ends {
+      lassign $edge from to delayed
+      set points {}
+      if {$from ne $to} {
+        set is_back [expr {[dict get $layer $from] >= [dict get $layer $to]}]
+        set passed_places [lmap vertex $thin {list [lindex $vertex 1] [dict get $middle $vertex]}]
+        set start [list [lindex [dict get $places $from] 2] [dict get $middle $from]]
+        set end [list [lindex [dict get $places $to] 0] [expr {[dict get $middle $to] + $shift}]]
+        set points [curve $start $end $passed_places $spans $is_back]
+      }
+      lappend wires [list $from $to $delayed $points]
+    }
+    list $places $wires
+  }
+
+  # How far from the middle of its box each wire arrives, so that arrowheads stand side by side, in
+  # the order of where the wires come from.
+  proc arrivals {edges passing middle} {
+    set arriving {}
+    set wire 0
+    foreach edge $edges thin $passing {
+      lassign $edge from to
+      if {$from ne $to} {
+        set last [expr {$thin eq "" ? $from : [lindex $thin end]}]
+        dict lappend arriving $to [list [dict get $middle $last] $wire]
+      }
+      incr wire
+    }
+    set shifts [lrepeat [llength $edges] 0]
+    dict for {to wires} $arriving {
+      set count [llength $wires]
+      set step [expr {$count > 1 ? min(8.0, 24.0 / ($count - 1)) : 0}]
+      set shift [expr {-$step * ($count - 1) / 2.0}]
+      foreach pair [lsort -real -index 0 $wires] {
+        lset shifts [lindex $pair 1] $shift
+        set shift [expr {$shift + $step}]
+      }
+    }
+    return $shifts
+  }
+}

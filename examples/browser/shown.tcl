@@ -1,0 +1,79 @@
+# shown.tcl: what is shown: the current program, the chosen name; and who wants to hear of it.
+#
+# Views do not know one another. They listen to events, with a command that gets the event's words:
+#   opened ID, closed ID       a program came, went
+#   program ID                 another program is current, or the current one was read anew; ID may be ""
+#   kind KIND                  the table is to show input, output, local, function or "" (all) alone
+#   name NAME ORIGIN           another name of it is chosen; NAME may be ""; ORIGIN is the view it was chosen in
+#   command TEXT               a Tcl command that does what the user just did
+#   progress TITLE FRACTION    how far the long work is; TITLE is "" when there is none
+#   status TEXT                something to say in passing
+#   failed ACTION FAILURES     what failed, a list of {FILE RESULT OPTIONS}
+
+namespace eval ::tamselbrowser::shown {
+  variable listeners {}  ;# event -> list of commands
+  variable program ""    ;# identifier of the current program
+  variable name ""       ;# the chosen name
+
+  proc listen {event command} {
+    variable listeners
+    dict lappend listeners $event $command
+  }
+
+  proc tell {event args} {
+    variable listeners
+    if {![dict exists $listeners $event]} return
+    foreach command [dict get $listeners $event] {uplevel #0 $command $args}
+  }
+
+  # The current program and the chosen name; empty where there is none.
+  proc program {} {
+    variable program
+    return $program
+  }
+  proc name {} {
+    variable name
+    return $name
+  }
+
+  # Chooses a name of the current program; any other text is passed over. `origin` is the view in which
+  # it was done.
+  proc choose {new {origin ""}} {
+    variable program
+    variable name
+    if {$program eq "" || ![::tamselbrowser::program::declares $program $new]} return
+    set name $new
+    tell name $new $origin
+  }
+
+  # Tells that the current program has been read. The chosen name stays where it still means something.
+  proc program_read {id} {
+    variable program
+    variable name
+    if {$id ne $program} return
+    if {![::tamselbrowser::program::declares $id $name]} {set name ""}
+    tell program $id
+    tell name $name ""
+  }
+
+  # Makes a program current (none: ""), and reads what there is to know of it where nobody has yet.
+  proc select {id} {
+    variable program
+    variable name
+    if {$id ne $program} {
+      set program $id
+      set name ""
+    }
+    if {$id eq "" || [::tamselbrowser::program::is_read $id]} {
+      tell program $id
+      tell name $name ""
+      return
+    }
+    ::tamselbrowser::work::start read "Reading [::tamselbrowser::program::label $id]" \
+      [namespace code [list read_then_tell $id]]
+  }
+  proc read_then_tell {id} {
+    ::tamselbrowser::program::read_details $id
+    program_read $id
+  }
+}

@@ -1,0 +1,139 @@
+# style.tcl: fonts, colours and the look of the widgets.
+
+namespace eval ::tamselbrowser::style {
+  variable colours {
+    paper #ffffff  ink #1f2733  faint #6b7685  line #c9d0d9  frame #f4f5f7  accent #2563c4
+    error #b3261e  good #1d7a46  notice #fff4d6
+    needed #2563c4  needed_far #8fb0e3  needed_fill #dfeafb
+    using #d0680a   using_far #e6b078   using_fill #fdebd8
+    input #e6f4ea   input_edge #6fa884
+    output #f0e9fa  output_edge #9c82c4
+    local #ffffff   local_edge #a7b0bc
+    chosen #1f2733  wire #a7b0bc  wire_dim #dfe3e8
+    keyword #7a3e9d comment #5d7d5d number #0b6b75 found #ffe08a here #e8f0fe
+  }
+
+  proc colour {name} {
+    variable colours
+    dict get $colours $name
+  }
+
+  # A font that differs from the platform's in the given options. Its name is good in every -font.
+  proc derive {name from args} {
+    set name tamselbrowser.$name
+    if {$name ni [font names]} {font create $name}
+    font configure $name {*}[font actual $from] {*}$args
+    return $name
+  }
+
+  proc set_fonts {} {
+    set size [font actual TkDefaultFont -size]
+    derive bold TkDefaultFont -weight bold
+    derive small TkDefaultFont -size [expr {$size > 8 ? $size - 1 : $size}]
+    derive code TkFixedFont -size [expr {[font actual TkFixedFont -size] < 0 ? -13 : 10}]
+    derive title TkDefaultFont -size [expr {$size + 3}] -weight bold
+  }
+
+  # X11 has no look of its own; there the theme "clam" is taken, with quieter colours.
+  proc set_theme {} {
+    if {[tk windowingsystem] ne "x11"} return
+    ttk::style theme use clam
+    foreach name {paper ink faint line frame accent} {set $name [colour $name]}
+    ttk::style configure . -background $frame -foreground $ink -bordercolor $line \
+      -lightcolor $frame -darkcolor $frame -troughcolor #e6e9ed -selectbackground $accent \
+      -selectforeground $paper -insertcolor $ink -fieldbackground $paper -focuscolor $accent
+    ttk::style map . -foreground [list disabled #9aa3ad]
+    ttk::style configure TButton -background $paper -padding {10 3} -width 0
+    ttk::style map TButton -background [list pressed #dfe3e8 active #eef1f5 disabled $frame]
+    ttk::style configure TMenubutton -background $paper -padding {10 3} -width 0
+    ttk::style map TMenubutton -background [list active #eef1f5]
+    ttk::style configure TNotebook -background $frame -tabmargins {2 4 2 0}
+    ttk::style configure TNotebook.Tab -padding {14 5} -background #e6e9ed -foreground $faint
+    ttk::style map TNotebook.Tab -background [list selected $paper] \
+      -foreground [list selected $ink] -padding [list selected {14 5}]
+    ttk::style configure TEntry -padding 4
+    ttk::style configure TCombobox -padding 3 -arrowsize 14
+    ttk::style configure TSpinbox -padding 3 -arrowsize 11
+    ttk::style map TCombobox -fieldbackground [list readonly $paper] \
+      -selectbackground [list readonly $paper] -selectforeground [list readonly $ink]
+    ttk::style configure Treeview -background $paper -fieldbackground $paper -borderwidth 0
+    ttk::style map Treeview -background [list selected $accent] -foreground [list selected $paper]
+    ttk::style configure Treeview.Heading -background $frame -relief flat -padding {4 4} \
+      -foreground $faint
+    ttk::style map Treeview.Heading -background [list active #e6e9ed]
+    ttk::style configure Horizontal.TProgressbar -background $accent -thickness 8
+    # Thin ones, without arrows.
+    foreach {way side} {Vertical ns Horizontal ew} {
+      ttk::style layout $way.TScrollbar [list $way.Scrollbar.trough -sticky $side \
+        -children [list $way.Scrollbar.thumb -expand 1 -sticky nsew]]
+    }
+    ttk::style configure TScrollbar -background #c3cad3 -troughcolor $frame -bordercolor $frame \
+      -lightcolor #c3cad3 -darkcolor #c3cad3 -arrowsize 11 -gripcount 0
+    ttk::style map TScrollbar -background [list disabled $frame active #9aa3ad] \
+      -lightcolor [list disabled $frame] -darkcolor [list disabled $frame]
+    . configure -background $frame
+    option add *Menu.background $paper
+    option add *Menu.relief flat
+    option add *Menu.activeBackground $accent
+    option add *Menu.activeForeground $paper
+    option add *TCombobox*Listbox.background $paper
+    option add *TCombobox*Listbox.selectBackground $accent
+  }
+
+  proc apply {} {
+    set_fonts
+    set_theme
+    ttk::style configure Treeview -rowheight [expr {[font metrics TkDefaultFont -linespace] + 6}]
+    ttk::style configure Faint.TLabel -foreground [colour faint]
+    ttk::style configure Bold.TLabel -font tamselbrowser.bold
+    ttk::style configure Title.TLabel -font tamselbrowser.title
+    ttk::style configure Error.TLabel -foreground [colour error]
+    ttk::style configure Type.TLabel -foreground [colour good] -font tamselbrowser.bold
+    ttk::style configure Paper.TFrame -background [colour paper]
+    ttk::style configure Paper.TLabel -background [colour paper]
+    ttk::style configure Equation.TLabel -background [colour paper] -font tamselbrowser.code
+    ttk::style configure Notice.TFrame -background [colour notice]
+    ttk::style configure Notice.TLabel -background [colour notice]
+  }
+
+  # A widget with a vertical scrollbar in a frame, and a horizontal one unless `ways` is "y".
+  # `command` with the path of the widget appended makes it. Returns the widget's path.
+  proc scrolled {frame command {ways xy}} {
+    ttk::frame $frame
+    set widget $frame.widget
+    uplevel 1 [linsert $command 1 $widget]
+    grid $widget -row 0 -column 0 -sticky nsew
+    foreach way [split $ways ""] side {vertical horizontal} {
+      if {$way eq "x"} {
+        ttk::scrollbar $frame.x -orient horizontal -command [list $widget xview]
+        $widget configure -xscrollcommand [list $frame.x set]
+        grid $frame.x -row 1 -column 0 -sticky ew
+      } elseif {$way eq "y"} {
+        ttk::scrollbar $frame.y -orient vertical -command [list $widget yview]
+        $widget configure -yscrollcommand [list $frame.y set]
+        grid $frame.y -row 0 -column 1 -sticky ns
+      }
+    }
+    grid rowconfigure $frame 0 -weight 1
+    grid columnconfigure $frame 0 -weight 1
+    return $widget
+  }
+
+  # `text`, cut so that it is at most `width` pixels wide in a font.
+  proc shortened {text font width} {
+    if {[font measure $font $text] <= $width} {return $text}
+    # Nothing longer can fit, whatever the letters.
+    set text [string range $text 0 [expr {$width}]]
+    set low 0
+    set high [string length $text]
+    while {$low < $high} {
+      set middle [expr {($low + $high + 1) / 2}]
+      if {[font measure $font "[string range $text 0 $middle-1]…"] <= $width} {
+        set low $middle
+      } else {
+        set high [expr {$middle - 1}]
+      }
+    }
+    return "[string range $text 0 $low-1]…"
+  }
+}

@@ -1,0 +1,65 @@
+# view-equation.tcl: the chosen name, and its equation.
+
+namespace eval ::tamselbrowser::view::equation {
+  variable frame ""
+
+  # What a name is, in words.
+  proc describe {id name} {
+    foreach array {kind type clock} {set $array [::tamselbrowser::program::fact $id $array $name]}
+    set text "$kind : $type"
+    if {$clock ne ""} {append text " when $clock"}
+    set uses [::tamselbrowser::program::use_count $id $name]
+    append text "     needed by [expr {$uses == 1 ? "1 equation" : "$uses equations"}]"
+  }
+
+  # What defines it; for a name without equation, why it has none.
+  proc definition {id name} {
+    set equation [::tamselbrowser::program::equation $id $name]
+    if {$equation ne ""} {return [::tamselbrowser::pretty::equation $equation]}
+    switch -- [::tamselbrowser::program::fact $id kind $name] {
+      input {return "An input comes from outside."}
+      constant {return "A constant is given elsewhere."}
+      default {return "The program has no equation for it."}
+    }
+  }
+
+  proc show {name {origin ""}} {
+    variable frame
+    set id [::tamselbrowser::shown::program]
+    set text ""
+    if {$name ne ""} {
+      set what [describe $id $name]
+      set text [definition $id $name]
+    } elseif {$id eq ""} {
+      set what "Open an EC program to see it (Ctrl+O)."
+    } else {
+      set what "Choose a name in the table, the picture or the source to see its equation."
+    }
+    $frame.head.name configure \
+      -text [::tamselbrowser::style::shortened $name tamselbrowser.bold 360]
+    pack forget $frame.head.name
+    if {$name ne ""} {pack $frame.head.name -before $frame.head.what -side left -padx {0 10}}
+    $frame.head.what configure -text $what
+    $frame.text.widget configure -state normal
+    $frame.text.widget delete 1.0 end
+    $frame.text.widget insert end $text
+    $frame.text.widget configure -state disabled
+  }
+
+  proc create {window} {
+    variable frame $window
+    ttk::frame $frame -style Paper.TFrame -padding {10 6}
+    ttk::frame $frame.head -style Paper.TFrame
+    ttk::label $frame.head.name -style Paper.TLabel -font tamselbrowser.bold
+    ttk::label $frame.head.what -style Paper.TLabel \
+      -foreground [::tamselbrowser::style::colour faint]
+    set text [::tamselbrowser::style::scrolled $frame.text {text -height 3 -wrap word -relief flat \
+      -borderwidth 0 -highlightthickness 0 -font tamselbrowser.code -state disabled} y]
+    $text configure -background [::tamselbrowser::style::colour paper] \
+      -foreground [::tamselbrowser::style::colour ink]
+    pack $frame.head.name $frame.head.what -side left -padx {0 10}
+    pack $frame.head -fill x -pady {0 4}
+    pack $frame.text -fill both -expand 1
+    ::tamselbrowser::shown::listen name [namespace code show]
+  }
+}

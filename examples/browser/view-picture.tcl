@@ -1,0 +1,147 @@
+# view-picture.tcl: what the canvases of pictures have in common: zooming, dragging, fitting, boxes.
+#
+# Texts keep their size when a canvas is scaled, so the fonts of pictures are scaled along.
+
+namespace eval ::tamselbrowser::view::picture {
+  variable scale     ;# canvas -> how much larger than drawn it is shown
+  array set scale {}
+  variable waiting   ;# canvas -> what is to be done when it comes into sight
+  array set waiting {}
+  variable pressed {0 0}
+  variable dragged 0
+  variable fonts {}  ;# font -> pixels at scale 1
+
+  # The fonts of pictures: `name`, `detail` and `heading`, each with the prefix of all our fonts.
+  proc make_fonts {} {
+    variable fonts {}
+    foreach {name from options} {
+      name TkDefaultFont {}  detail TkDefaultFont {}  heading TkDefaultFont {-weight bold}
+    } size {13 11 15} {
+      ::tamselbrowser::style::derive $name $from {*}$options -size -$size
+      dict set fonts tamselbrowser.$name $size
+    }
+  }
+
+  proc show_fonts {factor} {
+    variable fonts
+    dict for {font size} $fonts {font configure $font -size [expr {-max(1, round($size * $factor))}]}
+  }
+
+  # Scales a canvas by a factor about a point of the window.
+  proc zoom {canvas factor {x ""} {y ""}} {
+    variable scale
+    set new [expr {min(4.0, max(0.08, $scale($canvas) * $factor))}]
+    set factor [expr {$new / $scale($canvas)}]
+    if {$x eq ""} {
+      set x [expr {[winfo width $canvas] / 2}]
+      set y [expr {[winfo height $canvas] / 2}]
+    }
+    $canvas scale all [$canvas canvasx $x] [$canvas canvasy $y] $factor $factor
+    set scale($canvas) $new
+    show_fonts $new
+  }
+
+  # Makes an empty canvas ready to be drawn on at scale 1.
+  proc reset {canvas} {
+    variable scale
+    $canvas delete all
+    set scale($canvas) 1.0
+    show_fonts 1.0
+  }
+
+  # Where something from `low` to `high` is to move to in a window of `size`, if `focus` is to come
+  # into its middle: what is smaller than the window stands in the middle, what is larger leaves no
+  # blank at its ends.
+  proc shift {low high focus size} {
+    set margin 14
+    if {$high - $low <= $size - 2 * $margin} {return [expr {($size - $low - $high) / 2.0}]}
+    expr {max($size - $margin - $high, min($margin - $low, $size / 2.0 - $focus))}
+  }
+
+  # Shows everything, at most `largest` times as large as drawn and at least `smallest` times; what is
+  # larger than the window then has `focus`, a tag, near the middle. A window not in sight waits.
+  proc fit {canvas {largest 1.0} {focus all} {smallest 0.08}} {
+    variable scale
+    variable waiting
+    set waiting($canvas) [list fit $canvas $largest $focus $smallest]
+    set box [$canvas bbox all]
+    if {$box eq "" || ![winfo viewable $canvas]} return
+    unset waiting($canvas)
+    lassign $box x1 y1 x2 y2
+    set width [winfo width $canvas]
+    set height [winfo height $canvas]
+    set factor [expr {min(($width - 28.0) / max(1, $x2 - $x1), ($height - 28.0) / max(1, $y2 - $y1))}]
+    zoom $canvas [expr {min($largest, max($smallest, $factor * $scale($canvas))) / $scale($canvas)}]
+    lassign [$canvas bbox all] x1 y1 x2 y2
+    lassign [$canvas bbox $focus] fx1 fy1 fx2 fy2
+    $canvas move all \
+      [expr {[$canvas canvasx 0] + [shift $x1 $x2 [expr {($fx1 + $fx2) / 2.0}] $width]}] \
+      [expr {[$canvas canvasy 0] + [shift $y1 $y2 [expr {($fy1 + $fy2) / 2.0}] $height]}]
+  }
+
+  # A canvas came into sight: its fonts are shown, and what waited is done.
+  proc appear {canvas} {
+    variable scale
+    variable waiting
+    show_fonts $scale($canvas)
+    if {[info exists waiting($canvas)]} {{*}$waiting($canvas)}
+  }
+
+  # A box with round corners of radius r.
+  proc box {canvas x1 y1 x2 y2 r args} {
+    # How far the control points of a quarter circle stand from its ends.
+    set k [expr {$r * 0.5523}]
+    foreach {name x} [list a $x1 d $x2] sign {1 -1} {
+      set ${name}r [expr {$x + $sign * $r}]
+      set ${name}k [expr {$x + $sign * ($r - $k)}]
+    }
+    set tr [expr {$y1 + $r}]; set tk [expr {$y1 + $r - $k}]
+    set br [expr {$y2 - $r}]; set bk [expr {$y2 - $r + $k}]
+    set points [list $ar $y1  $ar $y1 $dr $y1 $dr $y1  $dk $y1 $x2 $tk $x2 $tr \
+      $x2 $tr $x2 $br $x2 $br  $x2 $bk $dk $y2 $dr $y2  $dr $y2 $ar $y2 $ar $y2 \
+      $ak $y2 $x1 $bk $x1 $br  $x1 $br $x1 $tr $x1 $tr  $x1 $tk $ak $y1 $ar $y1]
+    $canvas create polygon $points -smooth raw {*}$args
+  }
+
+  proc press {canvas x y} {
+    variable pressed [list $x $y]
+    variable dragged 0
+    focus $canvas
+    $canvas scan mark $x $y
+  }
+  proc drag {canvas x y} {
+    variable pressed
+    variable dragged
+    lassign $pressed from_x from_y
+    # A hand is not that steady.
+    if {abs($x - $from_x) + abs($y - $from_y) > 3} {
+      set dragged 1
+      $canvas configure -cursor fleur
+    }
+    if {$dragged} {$canvas scan dragto $x $y 1}
+  }
+  proc release {canvas clicked} {
+    variable dragged
+    $canvas configure -cursor ""
+    if {!$dragged} {uplevel #0 $clicked}
+  }
+
+  # Makes a canvas that zooms with the wheel, drags with the mouse and calls `clicked` at a click.
+  proc create {canvas clicked} {
+    variable scale
+    canvas $canvas -background [::tamselbrowser::style::colour paper] -highlightthickness 0 \
+      -xscrollincrement 1 -yscrollincrement 1 -width 200 -height 200
+    set scale($canvas) 1.0
+    bind $canvas <ButtonPress-1> [namespace code {press %W %x %y}]
+    bind $canvas <B1-Motion> [namespace code {drag %W %x %y}]
+    bind $canvas <ButtonRelease-1> [namespace code [list release %W $clicked]]
+    bind $canvas <Button-4> [namespace code {zoom %W 1.15 %x %y}]
+    bind $canvas <Button-5> [namespace code {zoom %W [expr {1 / 1.15}] %x %y}]
+    bind $canvas <MouseWheel> [namespace code {zoom %W [expr {%D > 0 ? 1.15 : 1 / 1.15}] %x %y}]
+    bind $canvas <Configure> [namespace code {appear %W}]
+    bind $canvas <Map> [namespace code {appear %W}]
+    foreach {key factor} {plus 1.15 equal 1.15 minus 0.87} {
+      bind $canvas <Key-$key> [namespace code [list zoom %W $factor]]
+    }
+  }
+}

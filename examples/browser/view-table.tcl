@@ -1,0 +1,209 @@
+# view-table.tcl: the table of names, filtered and sorted.
+#
+# All rows of a program stand in the widget; a filter or another order only says which are children
+# of the root, in which order. That is quick for any number of rows.
+
+namespace eval ::tamselbrowser::view::table {
+  variable frame ""
+  variable tree ""
+  variable columns {name type clock kind}
+  variable rows {}        ;# {ITEM NAME TYPE CLOCK KIND} in the order of declaration
+  variable item_of        ;# name -> item, functions apart
+  array set item_of {}
+  variable kind ""        ;# the only kind to show, "" for all
+  variable sorted_by ""   ;# a column, or "" for the order of declaration
+  variable direction -increasing
+  variable pending ""     ;# the delayed filtering
+
+  # The rows that the filter lets through. A pattern with none of *?[ is looked for anywhere.
+  proc filtered {} {
+    variable frame
+    variable rows
+    variable kind
+    set pattern [string trim [$frame.filter get]]
+    if {$pattern ne "" && ![regexp {[*?\[]} $pattern]} {
+      set pattern *[string map {\\ \\\\} $pattern]*
+    }
+    lmap row $rows {
+      if {$kind ne "" && [lindex $row 4] ne $kind} continue
+      if {$pattern ne "" && ![string match -nocase $pattern [lindex $row 1]]} continue
+      set row
+    }
+  }
+
+  # Shows the rows that are wanted in the order that is wanted.
+  proc arrange {} {
+    variable frame
+    variable tree
+    variable columns
+    variable rows
+    variable sorted_by
+    variable direction
+    variable pending ""
+    set wanted [filtered]
+    set place [lsearch -exact $columns $sorted_by]
+    if {$place >= 0} {
+      set wanted [lsort $direction -dictionary -index [expr {$place + 1}] $wanted]
+    }
+    $tree children {} [lmap row $wanted {lindex $row 0}]
+    foreach column $columns {
+      set mark [expr {$direction eq "-increasing" ? " ▲" : " ▼"}]
+      $tree heading $column \
+        -text "[string totitle $column][expr {$column eq $sorted_by ? $mark : ""}]"
+    }
+    set count [llength $wanted]
+    $frame.count configure -text [expr {$count == [llength $rows]
+      ? "$count" : "$count of [llength $rows]"}]
+  }
+
+  # What a user types is taken up when he pauses.
+  proc arrange_soon {} {
+    variable pending
+    after cancel $pending
+    set pending [after 120 [namespace code filter_typed]]
+  }
+  proc filter_typed {} {
+    variable frame
+    arrange
+    set id [::tamselbrowser::shown::program]
+    if {$id ne ""} {::tamselbrowser::view::log::names_matching $id [$frame.filter get]}
+  }
+
+  # A click on a heading: sorted by it, the other way round, as declared.
+  proc sort_by {column} {
+    variable sorted_by
+    variable direction
+    if {$sorted_by ne $column} {
+      set sorted_by $column
+      set direction -increasing
+    } elseif {$direction eq "-increasing"} {
+      set direction -decreasing
+    } else {
+      set sorted_by ""
+      set direction -increasing
+    }
+    arrange
+  }
+
+  # The rows of a program.
+  proc collect {id} {
+    set number 0
+    foreach name [::tamselbrowser::program::details $id names] {
+      lappend found [list [incr number] $name {*}[lmap array {type clock kind} {
+        ::tamselbrowser::program::fact $id $array $name
+      }]]
+      ::tamselbrowser::work::pause 0 1
+    }
+    foreach function [::tamselbrowser::program::details $id functions] {
+      lassign $function name declaration
+      lappend found [list [incr number] $name $declaration "" function]
+    }
+    return $found
+  }
+
+  # Fills the table. A task.
+  proc fill {id} {
+    variable tree
+    variable rows
+    variable item_of
+    set new [collect $id]
+    set items [lmap row $rows {lindex $row 0}]
+    set rows {}
+    array unset item_of
+    $tree children {} {}
+    set done 0
+    while {$items ne ""} {
+      $tree delete [lrange $items 0 499]
+      set items [lrange $items 500 end]
+      ::tamselbrowser::work::pause 0 1
+    }
+    set total [llength $new]
+    foreach row $new {
+      set values [lassign $row item name]
+      # Behind the first ones from the bottom up: to append would cost a walk over all rows.
+      $tree insert {} end -id $item -values [list $name {*}$values]
+      lappend rows $row
+      if {[lindex $row 4] ne "function"} {set item_of($name) $item}
+      ::tamselbrowser::work::pause [incr done] $total
+    }
+    arrange
+    show_chosen [::tamselbrowser::shown::name]
+  }
+
+  proc current {id} {
+    variable tree
+    variable rows
+    if {$id eq ""} {
+      $tree delete [lmap row $rows {lindex $row 0}]
+      set rows {}
+      arrange
+    } else {
+      ::tamselbrowser::work::start table "Listing [::tamselbrowser::program::label $id]" \
+        [namespace code [list fill $id]]
+    }
+  }
+
+  proc show_kind {new} {
+    variable kind $new
+    arrange
+  }
+
+  # Selects the row of a name that was chosen elsewhere.
+  proc show_chosen {name {origin ""}} {
+    variable tree
+    variable item_of
+    if {$origin eq "table"} return
+    set items [expr {[info exists item_of($name)] ? $item_of($name) : {}}]
+    if {[$tree selection] eq $items} return
+    $tree selection set $items
+    # One that the filter holds back has no place to scroll to.
+    if {$items ne "" && $items in [$tree children {}]} {$tree see $items}
+  }
+
+  # A row has been selected, by the user unless it is that of the chosen name.
+  proc selected {} {
+    variable tree
+    variable rows
+    set item [lindex [$tree selection] 0]
+    if {$item eq ""} return
+    lassign [lindex $rows $item-1] _ name _ _ kind
+    set id [::tamselbrowser::shown::program]
+    if {$name eq [::tamselbrowser::shown::name]} return
+    if {$kind eq "function"} {
+      set functions [::tamselbrowser::program::details $id functions]
+      ::tamselbrowser::program::say $id func-decl \
+        [expr {$item - 1 - ([llength $rows] - [llength $functions])}]
+      ::tamselbrowser::shown::tell status "function $name: [lindex $rows $item-1 2]"
+    } else {
+      ::tamselbrowser::view::log::name $id $name
+      ::tamselbrowser::shown::choose $name table
+    }
+  }
+
+  proc create {window} {
+    variable frame $window
+    variable tree
+    variable columns
+    ttk::frame $frame
+    ttk::label $frame.label -text "Filter" -style Faint.TLabel
+    ttk::entry $frame.filter
+    ttk::label $frame.count -style Faint.TLabel
+    set tree [::tamselbrowser::style::scrolled $frame.rows \
+      [list ttk::treeview -columns $columns -show headings -selectmode browse] y]
+    foreach column $columns width {150 90 70 70} {
+      $tree column $column -width $width -minwidth 40
+      $tree heading $column -anchor w -command [namespace code [list sort_by $column]]
+    }
+    grid $frame.label $frame.filter $frame.count -padx {0 6} -pady {8 6} -sticky ew
+    grid $frame.rows -columnspan 3 -sticky nsew
+    grid columnconfigure $frame 1 -weight 1
+    grid rowconfigure $frame 1 -weight 1
+    bind $frame.filter <KeyRelease> [namespace code arrange_soon]
+    bind $frame.filter <Escape> "%W delete 0 end; [namespace code arrange]"
+    bind $tree <<TreeviewSelect>> [namespace code selected]
+    foreach {event command} {program current kind show_kind name show_chosen} {
+      ::tamselbrowser::shown::listen $event [namespace code $command]
+    }
+    arrange
+  }
+}
