@@ -63,8 +63,7 @@ namespace eval ::tamselbrowser::cone {
   proc whole {id} {
     variable most_items
     set items {}
-    foreach name [::tamselbrowser::program::details $id names] {
-      if {[::tamselbrowser::program::fact $id kind $name] ne "output"} continue
+    foreach name [::tamselbrowser::program::names_of $id output] {
       if {[dict size $items] >= $most_items} break
       set items [dict merge $items [collect $id $name 1000 back]]
     }

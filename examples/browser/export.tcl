@@ -20,9 +20,9 @@ namespace eval ::tamselbrowser::export {
   }
 
   # The arrowhead at the end of `points`, a variable, which is then drawn back to its base.
-  proc arrowhead {points shape} {
+  proc arrowhead {points} {
     upvar 1 $points line
-    lassign $shape neck length half
+    lassign [::tamselbrowser::view::picture::arrowhead 1.0] neck length half
     lassign [lrange $line end-3 end] from_x from_y x y
     set distance [expr {max(0.01, hypot($x - $from_x, $y - $from_y))}]
     set ux [expr {($x - $from_x) / $distance}]
@@ -41,7 +41,7 @@ namespace eval ::tamselbrowser::export {
     set colour [$canvas itemcget $item -fill]
     set head ""
     if {[$canvas itemcget $item -arrow] eq "last"} {
-      set head "<path d=\"[arrowhead points [$canvas itemcget $item -arrowshape]]\" fill=\"$colour\"/>"
+      set head "<path d=\"[arrowhead points]\" fill=\"$colour\"/>"
     }
     set dash [$canvas itemcget $item -dash]
     set dash [expr {$dash eq "" ? "" : " stroke-dasharray=\"$dash\""}]
@@ -120,7 +120,7 @@ namespace eval ::tamselbrowser::export {
       lassign $wire from to delayed points
       if {$points eq ""} {set points [::tamselbrowser::view::graph::loop [dict get $places $to]]}
       set tip [graphviz_point {*}[lrange $points end-1 end]]
-      arrowhead points {8 9 3.5}
+      arrowhead points
       set curve [lmap {x y} $points {graphviz_point $x $y}]
       lappend lines "  \"$from\" -> \"$to\" \[pos=\"e,$tip $curve\" arrowsize=0.7\
         style=[expr {$delayed ? "dashed" : "solid"}]\

@@ -228,6 +228,14 @@ namespace eval ::tamselbrowser::program {
     set of::${id}::$list
   }
 
+  # The names of its inputs, outputs or locals.
+  proc names_of {id kind} {
+    set counts [counts $id]
+    set first [expr {$kind eq "input" ? 0 : [dict get $counts input]
+      + ($kind eq "local" ? [dict get $counts output] : 0)}]
+    lrange [details $id names] $first [expr {$first + [dict get $counts $kind] - 1}]
+  }
+
   # Whether a name is one of its variables or constants.
   proc declares {id name} {
     expr {[is_read $id] && [fact $id kind $name] ne ""}

@@ -56,7 +56,9 @@ namespace eval ::tamselbrowser::style {
     ttk::style configure TSpinbox -padding 3 -arrowsize 11
     ttk::style map TCombobox -fieldbackground [list readonly $paper] \
       -selectbackground [list readonly $paper] -selectforeground [list readonly $ink]
-    ttk::style configure Treeview -background $paper -fieldbackground $paper -borderwidth 0
+    # Its frame has the border.
+    ttk::style layout Treeview {Treeview.treearea -sticky nswe}
+    ttk::style configure Treeview -background $paper -fieldbackground $paper
     ttk::style map Treeview -background [list selected $accent] -foreground [list selected $paper]
     ttk::style configure Treeview.Heading -background $frame -relief flat -padding {4 4} \
       -foreground $faint
@@ -67,10 +69,10 @@ namespace eval ::tamselbrowser::style {
       ttk::style layout $way.TScrollbar [list $way.Scrollbar.trough -sticky $side \
         -children [list $way.Scrollbar.thumb -expand 1 -sticky nsew]]
     }
-    ttk::style configure TScrollbar -background #c3cad3 -troughcolor $frame -bordercolor $frame \
+    ttk::style configure TScrollbar -background #c3cad3 -troughcolor $paper -bordercolor $paper \
       -lightcolor #c3cad3 -darkcolor #c3cad3 -arrowsize 11 -gripcount 0
-    ttk::style map TScrollbar -background [list disabled $frame active #9aa3ad] \
-      -lightcolor [list disabled $frame] -darkcolor [list disabled $frame]
+    ttk::style map TScrollbar -background [list disabled $paper active #9aa3ad] \
+      -lightcolor [list disabled $paper] -darkcolor [list disabled $paper]
     . configure -background $frame
     option add *Menu.background $paper
     option add *Menu.relief flat
@@ -90,16 +92,17 @@ namespace eval ::tamselbrowser::style {
     ttk::style configure Error.TLabel -foreground [colour error]
     ttk::style configure Type.TLabel -foreground [colour good] -font tamselbrowser.bold
     ttk::style configure Paper.TFrame -background [colour paper]
+    ttk::style configure Card.TFrame -background [colour paper] -borderwidth 1 -relief flat
     ttk::style configure Paper.TLabel -background [colour paper]
-    ttk::style configure Equation.TLabel -background [colour paper] -font tamselbrowser.code
     ttk::style configure Notice.TFrame -background [colour notice]
     ttk::style configure Notice.TLabel -background [colour notice]
   }
 
-  # A widget with a vertical scrollbar in a frame, and a horizontal one unless `ways` is "y".
-  # `command` with the path of the widget appended makes it. Returns the widget's path.
-  proc scrolled {frame command {ways xy}} {
-    ttk::frame $frame
+  # A widget with a vertical scrollbar in a frame of a style, and a horizontal one unless `ways` is
+  # "y". `command` with the path of the widget as its second word makes it. Returns that path.
+  proc scrolled {frame command {ways xy} {look Card.TFrame}} {
+    ttk::frame $frame -style $look
+    if {$look eq "Card.TFrame"} {$frame configure -padding 1}
     set widget $frame.widget
     uplevel 1 [linsert $command 1 $widget]
     grid $widget -row 0 -column 0 -sticky nsew

@@ -43,20 +43,25 @@ namespace eval ::tamselbrowser::view::equation {
     $frame.text.widget configure -state normal
     $frame.text.widget delete 1.0 end
     $frame.text.widget insert end $text
+    # Not the words that say why there is none.
+    if {$name ne "" && [::tamselbrowser::program::equation $id $name] ne ""} {
+      ::tamselbrowser::view::source::colour_line $frame.text.widget 1
+    }
     $frame.text.widget configure -state disabled
   }
 
   proc create {window} {
     variable frame $window
-    ttk::frame $frame -style Paper.TFrame -padding {10 6}
+    ttk::frame $frame -style Card.TFrame -padding {10 6}
     ttk::frame $frame.head -style Paper.TFrame
     ttk::label $frame.head.name -style Paper.TLabel -font tamselbrowser.bold
     ttk::label $frame.head.what -style Paper.TLabel \
       -foreground [::tamselbrowser::style::colour faint]
     set text [::tamselbrowser::style::scrolled $frame.text {text -height 3 -wrap word -relief flat \
-      -borderwidth 0 -highlightthickness 0 -font tamselbrowser.code -state disabled} y]
+      -borderwidth 0 -highlightthickness 0 -font tamselbrowser.code -state disabled} y Paper.TFrame]
     $text configure -background [::tamselbrowser::style::colour paper] \
       -foreground [::tamselbrowser::style::colour ink]
+    ::tamselbrowser::view::source::make_tags $text
     pack $frame.head.name $frame.head.what -side left -padx {0 10}
     pack $frame.head -fill x -pady {0 4}
     pack $frame.text -fill both -expand 1

@@ -16,7 +16,7 @@ namespace eval ::tamselbrowser::view::graph {
   variable is_due 0          ;# whether the picture is to be drawn when it comes into sight
   variable widest 160        ;# pixels of a text in a box
   variable wanted both       ;# what the user wants to see, a key of `scopes`
-  variable depth 3           ;# and how many steps of it
+  variable depth 2           ;# and how many steps of it
   variable small 40          ;# a program of no more names is drawn whole while none is chosen
   variable scopes {
     both "Needs and users"  back "What it needs"  forth "What needs it"  whole "Whole program"
@@ -73,8 +73,9 @@ namespace eval ::tamselbrowser::view::graph {
     foreach wire $wires {
       lassign $wire from to delayed points
       if {$points eq ""} {set points [loop [dict get $places $to]]}
-      $canvas create line {*}$points -smooth raw -arrow last -arrowshape {8 9 3.5} \
-        -dash [expr {$delayed ? {5 3} : {}}] -tags [list wire wire:$number]
+      $canvas create line {*}$points -smooth raw -arrow last \
+        -arrowshape [::tamselbrowser::view::picture::arrowhead 1.0] \
+        -dash [expr {$delayed ? {5 3} : {}}] -tags [list arrow wire:$number]
       incr number
     }
   }
@@ -232,8 +233,7 @@ namespace eval ::tamselbrowser::view::graph {
     if {$wanted ne "whole"} {
       set centre [::tamselbrowser::shown::name]
       if {$centre eq "" && [llength $names] > $small} {
-        set outputs [dict get [::tamselbrowser::program::counts $id] output]
-        if {$outputs > 0} {set centre [::tamselbrowser::program::call $id out-name 0]}
+        set centre [lindex [::tamselbrowser::program::names_of $id output] 0]
       }
     }
     if {$centre eq ""} {return [::tamselbrowser::cone::whole $id]}

@@ -27,6 +27,11 @@ namespace eval ::tamselbrowser::view::picture {
     dict for {font size} $fonts {font configure $font -size [expr {-max(1, round($size * $factor))}]}
   }
 
+  # The shape of an arrowhead at a scale.
+  proc arrowhead {scale} {
+    lmap length {8 9 3.5} {expr {$length * min(1.0, $scale)}}
+  }
+
   # Scales a canvas by a factor about a point of the window.
   proc zoom {canvas factor {x ""} {y ""}} {
     variable scale
@@ -39,6 +44,7 @@ namespace eval ::tamselbrowser::view::picture {
     $canvas scale all [$canvas canvasx $x] [$canvas canvasy $y] $factor $factor
     set scale($canvas) $new
     show_fonts $new
+    $canvas itemconfigure arrow -arrowshape [arrowhead $new]
   }
 
   # Makes an empty canvas ready to be drawn on at scale 1.
@@ -67,16 +73,20 @@ namespace eval ::tamselbrowser::view::picture {
     set box [$canvas bbox all]
     if {$box eq "" || ![winfo viewable $canvas]} return
     unset waiting($canvas)
-    lassign $box x1 y1 x2 y2
     set width [winfo width $canvas]
     set height [winfo height $canvas]
-    set factor [expr {min(($width - 28.0) / max(1, $x2 - $x1), ($height - 28.0) / max(1, $y2 - $y1))}]
-    zoom $canvas [expr {min($largest, max($smallest, $factor * $scale($canvas))) / $scale($canvas)}]
-    lassign [$canvas bbox all] x1 y1 x2 y2
-    lassign [$canvas bbox $focus] fx1 fy1 fx2 fy2
+    # As distances from the upper left corner, about which is scaled. Measured before that, since
+    # texts take on their new size later.
+    set origin_x [$canvas canvasx 0]
+    set origin_y [$canvas canvasy 0]
+    lassign [lmap x [list {*}$box {*}[$canvas bbox $focus]] \
+      origin [lrepeat 4 $origin_x $origin_y] {expr {$x - $origin}}] x1 y1 x2 y2 fx1 fy1 fx2 fy2
+    set factor [expr {min(($width - 30.0) / max(1, $x2 - $x1), ($height - 30.0) / max(1, $y2 - $y1))}]
+    set factor [expr {min($largest, max($smallest, $factor * $scale($canvas))) / $scale($canvas)}]
+    zoom $canvas $factor 0 0
     $canvas move all \
-      [expr {[$canvas canvasx 0] + [shift $x1 $x2 [expr {($fx1 + $fx2) / 2.0}] $width]}] \
-      [expr {[$canvas canvasy 0] + [shift $y1 $y2 [expr {($fy1 + $fy2) / 2.0}] $height]}]
+      [shift [expr {$factor * $x1}] [expr {$factor * $x2}] [expr {$factor * ($fx1 + $fx2) / 2}] $width] \
+      [shift [expr {$factor * $y1}] [expr {$factor * $y2}] [expr {$factor * ($fy1 + $fy2) / 2}] $height]
   }
 
   # A canvas came into sight: its fonts are shown, and what waited is done.

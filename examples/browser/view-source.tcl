@@ -15,23 +15,35 @@ namespace eval ::tamselbrowser::view::source {
   variable keywords {and assert bool const current div else false function if int let mod node nor
     not or pre real returns tel then true type var when xor}
 
+  # Gives a text widget the tags of words.
+  proc make_tags {widget} {
+    foreach tag {keyword number comment} {
+      $widget tag configure $tag -foreground [::tamselbrowser::style::colour $tag]
+    }
+  }
+
+  # Colours the words of a line of a text widget.
+  proc colour_line {widget line} {
+    variable keywords
+    set words [$widget get $line.0 "$line.0 lineend"]
+    foreach place [regexp -all -inline -indices {\m[\w.]+} $words] {
+      lassign $place start end
+      set word [string range $words $start $end]
+      set tag [expr {[string match {[0-9]*} $word] ? "number" : $word in $keywords ? "keyword" : ""}]
+      if {$tag ne ""} {$widget tag add $tag $line.$start $line.[incr end]}
+    }
+  }
+
   # Colours the words of the lines in sight.
   proc colour_visible {} {
     variable text
     variable coloured
-    variable keywords
     set first [lindex [split [$text index @0,0] .] 0]
     set last [lindex [split [$text index @0,[winfo height $text]] .] 0]
     for {set line $first} {$line <= $last} {incr line} {
       if {[info exists coloured($line)]} continue
       set coloured($line) 1
-      set words [$text get $line.0 "$line.0 lineend"]
-      foreach place [regexp -all -inline -indices {\m[\w.]+} $words] {
-        lassign $place start end
-        set word [string range $words $start $end]
-        set tag [expr {[string match {[0-9]*} $word] ? "number" : $word in $keywords ? "keyword" : ""}]
-        if {$tag ne ""} {$text tag add $tag $line.$start $line.[incr end]}
-      }
+      colour_line $text $line
     }
   }
 
@@ -246,14 +258,13 @@ namespace eval ::tamselbrowser::view::source {
     create_bar $frame.bar
     set text [::tamselbrowser::style::scrolled $frame.text {text -wrap none -relief flat \
       -borderwidth 0 -highlightthickness 0 -padx 10 -pady 6 -font tamselbrowser.code \
-      -state disabled -cursor arrow}]
+      -state disabled -cursor arrow} xy Paper.TFrame]
     $text configure -background [::tamselbrowser::style::colour paper] \
       -foreground [::tamselbrowser::style::colour ink]
-    foreach tag {here} {$text tag configure $tag -background [::tamselbrowser::style::colour $tag]}
-    foreach tag {keyword number comment} {
-      $text tag configure $tag -foreground [::tamselbrowser::style::colour $tag]
+    make_tags $text
+    foreach tag {here found} {
+      $text tag configure $tag -background [::tamselbrowser::style::colour $tag]
     }
-    $text tag configure found -background [::tamselbrowser::style::colour found]
     $text tag raise comment
     $text tag raise found
     $text tag raise sel

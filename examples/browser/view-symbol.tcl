@@ -8,13 +8,12 @@ namespace eval ::tamselbrowser::view::symbol {
   # The ports of a kind: {NAME TYPE CLOCK}, and how many more there are.
   proc ports {id kind} {
     variable most_ports
-    set ports {}
-    foreach name [::tamselbrowser::program::details $id names] {
-      if {[::tamselbrowser::program::fact $id kind $name] ne $kind} continue
-      lappend ports [list $name [::tamselbrowser::program::fact $id type $name] \
-        [::tamselbrowser::program::fact $id clock $name]]
-    }
-    list [lrange $ports 0 $most_ports-1] [expr {max(0, [llength $ports] - $most_ports)}]
+    set names [::tamselbrowser::program::names_of $id $kind]
+    set ports [lmap name [lrange $names 0 $most_ports-1] {
+      list $name [::tamselbrowser::program::fact $id type $name] \
+        [::tamselbrowser::program::fact $id clock $name]
+    }]
+    list $ports [expr {max(0, [llength $names] - $most_ports)}]
   }
 
   # Width of the longest of some texts.
@@ -43,7 +42,7 @@ namespace eval ::tamselbrowser::view::symbol {
       # The signal flows to the right on both sides.
       set wire [list $edge $y $tip $y]
       if {$way < 0} {set wire [list $tip $y $edge $y]}
-      $canvas create line {*}$wire -fill $line -width 2 -arrow last -arrowshape {8 9 4}
+      $canvas create line {*}$wire -fill $line -width 2 -arrow last -tags arrow
       $canvas create text [expr {$edge - $way * 12}] $y -anchor $inner -fill $ink \
         -text [::tamselbrowser::style::shortened $name tamselbrowser.name $widest] \
         -font tamselbrowser.name -tags [list port "name $name"]

@@ -190,7 +190,7 @@ namespace eval ::tamselbrowser::window {
   }
 
   proc create_menus {} {
-    menu .menu
+    menu .menu -background [::tamselbrowser::style::colour frame] -borderwidth 0
     foreach name {file view help} {
       menu .menu.$name -tearoff 0
       .menu add cascade -label [string totitle $name] -menu .menu.$name -underline 0

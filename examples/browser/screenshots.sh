@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# screenshots.sh [FOLDER]: makes the pictures of the browser for the manual, in doc/pictures unless
+# told otherwise.
+#
+# Needs a built library (run.sh builds it) and the packages of section [pictures]. The window is that
+# of a server of its own, so the pictures are the same everywhere where the fonts are.
+set -euo pipefail
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+root=$(cd "$here/../.." && pwd)
+folder=$(realpath -m "${1:-$root/doc/pictures}")
+"$root/scripts/setup.sh" build pictures
+mkdir -p "$folder"
+# The paths in the pictures are to be short.
+cd "$root/examples"
+
+# Shows programs, runs a script, and takes the picture of the whole screen.
+shoot() {  # NAME SCRIPT FILE...
+  local shot
+  shot=$(mktemp --suffix=.png)
+  XDG_STATE_HOME=$(dirname "$shot") xvfb-run -a -s "-screen 0 1280x800x24 -dpi 96" tclsh8.6 /dev/stdin "$here" "$shot" \
+    "${@:2}" <<'TCL'
+set files [lassign $argv here shot script]
+source -encoding utf-8 [file join $here start.tcl]
+proc settle {} {
+  # Views answer what is typed after a while.
+  after 400 {set ::rested 1}
+  vwait ::rested
+  while {[update; ::tamselbrowser::work::is_busy]} {}
+}
+::tamselbrowser::main $files
+update
+wm geometry . 1280x[expr {800 - [winfo rooty .]}]+0+0
+settle
+eval $script
+settle
+exec import -window root $shot
+exit
+TCL
+  convert "$shot" -strip -define png:compression-level=9 -define png:exclude-chunks=date,time \
+    "$folder/$1.png"
+  rm "$shot"
+  echo "$folder/$1.png"
+}
+
+shoot browser '
+  ::tamselbrowser::shown::choose pressure_doubt
+  settle
+  ::tamselbrowser::view::log::name p1 pressure_doubt
+' plant.ec elevator.ec watchdog.ec
+
+shoot browser-source '
+  .body.right.tabs select .body.right.tabs.source
+  settle
+  .body.left.table.filter insert 0 "*for"
+  ::tamselbrowser::view::table::filter_typed
+  ::tamselbrowser::shown::choose open_for
+  .expression.line insert 0 "if blocked then 0 else pre open_for + 1"
+  ::tamselbrowser::view::expression::answer
+' elevator.ec plant.ec
