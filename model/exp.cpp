@@ -125,6 +125,7 @@ void ExpHeap::add(Exp* e) noexcept {
 // The operands stand behind the node, in the same piece of memory.
 Exp* ExpHeap::node(ExpNature kind, int n, Exp* const* operands, int rank) {
   static_assert(sizeof(Exp) % alignof(Exp*) == 0, "operands can stand behind a node");
+  static_assert(sizeof(void*) != 8 || sizeof(Exp) == 96, "the fields of a node leave no gaps");
   void* room = arena_.allocate(sizeof(Exp) + static_cast<size_t>(n) * sizeof(Exp*));
   Exp* e = new (room) Exp(kind, 0, nullptr, -1);
   e->in_arena_ = true;

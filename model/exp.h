@@ -193,14 +193,14 @@ class Exp {
   EcType* type = nullptr;  // null until known
   int ident = 0;           // symbol of a leaf
   int order = 0;           // see the constructor
-  ExpNature nature;
 
  private:
   friend class ExpHeap;
-  bool in_arena_ = false;       // with its array of operands
   Exp* made_before_ = nullptr;  // the next older node of its heap
+  bool in_arena_ = false;       // with its array of operands
 
  public:
+  ExpNature nature;
   int nb_args = 0;
   Exp** args = nullptr;  // `nb_args` operands; the array is owned, the nodes are the program's
 };
