@@ -91,38 +91,34 @@ char* StringTape::store(const char* s, size_t size) {
 
 STapeHashItem* StringTape::internal_add(const char* s) {
   const size_t length = strlen(s);
-  const uint64_t hash = index_.hash(s, length);
-  if (STapeHashItem* item = index_.find(s, hash)) return item;
+  const TextKey key(s, length);
+  if (const int number = find(s, key)) return &item(number);
   // What can fail stands first, so that a failure leaves the tape as it was.
   index_.make_room();
-  auto* item = static_cast<STapeHashItem*>(items_.allocate(sizeof(STapeHashItem)));
-  item->str = store(s, length + 1);
+  STapeHashItem* added = &item(nb_strings + 1);
+  added->str = store(s, length + 1);
   const int bucket = hash_code(s);
   STapeHashItem* behind = hash_table[bucket];
   if (behind == nullptr) ++occupied;
   note_vain_walk(bucket);
-  item->number = ++nb_strings;
-  item->depth = behind != nullptr ? behind->depth + 1 : 1;
-  item->next = behind;
-  hash_table[bucket] = item;
-  index_.insert(item, hash);
-  return item;
-}
-
-STapeHashItem* StringTape::known(const char* s) const {
-  return index_.find(s, index_.hash(s, strlen(s)));
+  added->number = ++nb_strings;
+  added->depth = behind != nullptr ? behind->depth + 1 : 1;
+  added->next = behind;
+  hash_table[bucket] = added;
+  index_.insert(added->number, key);
+  return added;
 }
 
 STapeHashItem* StringTape::internal_find(const char* s) {
-  STapeHashItem* item = known(s);
-  if (item == nullptr) note_vain_walk(hash_code(s));
-  return item;
+  if (const int number = known(s)) return &item(number);
+  note_vain_walk(hash_code(s));
+  return nullptr;
 }
 
 // Its characters stay where they are, and the statistic as it is.
 void StringTape::forget_last(const char* s) {
   STapeHashItem*& head = hash_table[hash_code(s)];
-  index_.remove(head, index_.hash(s, strlen(s)));
+  index_.remove(head->number, TextKey(s, strlen(s)));
   head = head->next;
   if (head == nullptr) --occupied;
   --nb_strings;
@@ -192,7 +188,7 @@ int SymbolTable::find_then_get(int* number, const char* format, ...) {
 }
 
 int SymbolTable::add_text(const char* text) {
-  if (const STapeHashItem* item = tape->known(text)) return item->number;
+  if (const int number = tape->known(text)) return number;
   // The slot first: where it cannot be made, the tape must not have a string more than there are
   // symbols.
   char*& slot = (*names)[nb_symbols];

@@ -11,8 +11,8 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 
-#include "foundation/arena.h"
 #include "foundation/chunks.h"
 #include "foundation/text.h"
 #include "foundation/textindex.h"
@@ -46,9 +46,10 @@ class StringTape {
   int hash_code(const char* s) const;
   // The item of `s`, inserted if it is new. Never null; borrowed from the tape.
   STapeHashItem* internal_add(const char* s);
-  // The item of `s`, or null. A search in vain counts in the statistic; `known` asks without that.
+  // The item of `s`, or null. A search in vain counts in the statistic.
   STapeHashItem* internal_find(const char* s);
-  STapeHashItem* known(const char* s) const;
+  // The number of `s`, or 0. Counts nothing.
+  int known(const char* s) { return find(s, TextKey(s, std::strlen(s))); }
   // Forgets the last string, `s`.
   void forget_last(const char* s);
 
@@ -62,12 +63,16 @@ class StringTape {
   char* page_cursor = nullptr;  // where the next string goes
 
  private:
+  int find(const char* s, const TextKey& key) {
+    return index_.find(s, key, [this](int number) { return item(number).str; });
+  }
+  STapeHashItem& item(int number) { return items_[number - 1]; }
   // Notes in the statistic that a walk through `bucket` would have been in vain.
   void note_vain_walk(int bucket);
   char* store(const char* s, size_t size);
 
-  TextIndex<STapeHashItem> index_;
-  Arena items_;
+  TextIndex index_;
+  ChunkArray<STapeHashItem> items_{100};  // by number
 };
 
 // Texts by number: entry i belongs to symbol i + 1. The texts live in the tape.

@@ -1,5 +1,5 @@
-// foundation/textindex.h: finds texts by their characters in constant time, however many there are
-// and whatever they look like.
+// foundation/textindex.h: finds the numbers of texts by their characters in constant time, however
+// many there are and whatever they look like.
 #ifndef FOUNDATION_TEXTINDEX_H
 #define FOUNDATION_TEXTINDEX_H
 
@@ -8,97 +8,59 @@
 #include <cstring>
 #include <vector>
 
-// An index of items that have a text, `str`. Borrows the items, and their texts stay as they are.
-template <class Item>
+// What is compared of a text: all of a short one, which is then found without a look at any text.
+struct TextKey {
+  static constexpr size_t short_length = 8;
+
+  TextKey(const char* text, size_t text_length);
+
+  uint64_t word;    // the characters; of a longer text their hash
+  uint32_t length;  // its low bits
+};
+
+// An index of texts that have a number, from 1. The texts themselves are kept by somebody else:
+// where an operation wants `text_of`, that is a function from a number to its text.
 class TextIndex {
  public:
-  // A text's hash, by which the other operations want it.
-  static uint64_t hash(const char* text, size_t length);
-
-  // The item of `text`, or null.
-  Item* find(const char* text, uint64_t text_hash) const;
+  // The number of `text`, which has that key, or 0.
+  template <class TextOf>
+  int find(const char* text, const TextKey& key, TextOf text_of) const {
+    if (slots_.empty()) return 0;
+    for (size_t i = place(key); slots_[i].number != 0; i = (i + 1) & mask()) {
+      const Slot& slot = slots_[i];
+      if (slot.word == key.word && slot.length == key.length &&
+          (key.length <= TextKey::short_length || std::strcmp(text_of(slot.number), text) == 0))
+        return slot.number;
+    }
+    return 0;
+  }
   // After this, one `insert` cannot fail. Throws bad_alloc.
   void make_room();
-  // Enters an item whose text is not there yet, and for which there is room.
-  void insert(Item* item, uint64_t text_hash) noexcept;
-  // Takes out an item that is there.
-  void remove(const Item* item, uint64_t text_hash) noexcept;
+  // Enters a text that is not there yet, and for which there is room.
+  void insert(int number, const TextKey& key) noexcept;
+  // Takes out a text that is there.
+  void remove(int number, const TextKey& key) noexcept;
 
  private:
-  // A slot is free where `item` is null. Items whose first slot is taken stand in the next free
-  // one.
+  // A slot is free where `number` is 0. Texts whose first slot is taken stand in the next free one.
   struct Slot {
-    uint64_t hash;
-    Item* item;
+    uint64_t word;
+    uint32_t length;
+    int number;
   };
+
+  size_t mask() const { return slots_.size() - 1; }
+  // Where the search for a key begins.
+  template <class Key>
+  size_t place(const Key& key) const {
+    constexpr uint64_t odd = 0x9E3779B97F4A7C15u;
+    uint64_t mixed = (key.word ^ key.length) * odd;
+    mixed = (mixed ^ (mixed >> 32)) * odd;
+    return (mixed ^ (mixed >> 29)) & mask();
+  }
 
   std::vector<Slot> slots_;  // a power of two of them, at most two thirds taken
   size_t taken_ = 0;
 };
-
-template <class Item>
-uint64_t TextIndex<Item>::hash(const char* text, size_t length) {
-  constexpr uint64_t odd = 0x9E3779B97F4A7C15u;
-  uint64_t mixed = length * odd;
-  const auto mix_in = [&mixed](uint64_t word) {
-    mixed = (mixed ^ word) * odd;
-    mixed ^= mixed >> 29;
-  };
-  for (; length >= 8; text += 8, length -= 8) {
-    uint64_t word;
-    std::memcpy(&word, text, 8);
-    mix_in(word);
-  }
-  uint64_t rest = 0;
-  while (length > 0) rest = (rest << 8) | static_cast<unsigned char>(text[--length]);
-  mix_in(rest);
-  mixed *= odd;
-  return mixed ^ (mixed >> 32);
-}
-
-template <class Item>
-Item* TextIndex<Item>::find(const char* text, uint64_t text_hash) const {
-  if (slots_.empty()) return nullptr;
-  const size_t mask = slots_.size() - 1;
-  for (size_t i = text_hash & mask; slots_[i].item != nullptr; i = (i + 1) & mask) {
-    const Slot& slot = slots_[i];
-    if (slot.hash == text_hash && std::strcmp(slot.item->str, text) == 0) return slot.item;
-  }
-  return nullptr;
-}
-
-template <class Item>
-void TextIndex<Item>::make_room() {
-  if (3 * (taken_ + 1) <= 2 * slots_.size()) return;
-  std::vector<Slot> larger(slots_.empty() ? 64 : 2 * slots_.size());
-  larger.swap(slots_);
-  taken_ = 0;
-  for (const Slot& slot : larger)
-    if (slot.item != nullptr) insert(slot.item, slot.hash);
-}
-
-template <class Item>
-void TextIndex<Item>::insert(Item* item, uint64_t text_hash) noexcept {
-  const size_t mask = slots_.size() - 1;
-  size_t i = text_hash & mask;
-  while (slots_[i].item != nullptr) i = (i + 1) & mask;
-  slots_[i] = {text_hash, item};
-  ++taken_;
-}
-
-template <class Item>
-void TextIndex<Item>::remove(const Item* item, uint64_t text_hash) noexcept {
-  const size_t mask = slots_.size() - 1;
-  size_t gap = text_hash & mask;
-  while (slots_[gap].item != item) gap = (gap + 1) & mask;
-  // Each item behind the gap moves into it, unless its search begins behind the gap.
-  for (size_t i = (gap + 1) & mask; slots_[i].item != nullptr; i = (i + 1) & mask) {
-    if (((i - slots_[i].hash) & mask) < ((i - gap) & mask)) continue;
-    slots_[gap] = slots_[i];
-    gap = i;
-  }
-  slots_[gap].item = nullptr;
-  --taken_;
-}
 
 #endif

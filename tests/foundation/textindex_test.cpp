@@ -2,26 +2,58 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace {
 
-struct Item {
-  const char* str;
+struct Texts {
+  std::vector<std::string> texts;
+  TextIndex index;
+
+  int find(const std::string& text, const TextKey& key) const {
+    return index.find(text.c_str(), key,
+                      [&](int number) { return texts[static_cast<size_t>(number) - 1].c_str(); });
+  }
 };
 
 }  // namespace
 
+// Texts of all lengths, and long ones that have one key, in a table so full that they stand in each
+// other's way and around its end.
 TEST(TextIndex, FindsTheOthersWhenOneIsTakenOut) {
-  const Item items[] = {{"a"}, {"b"}, {"c"}, {"d"}, {"e"}, {"f"}};
-  // Items of one hash, of one slot, of its neighbours, and around the end of the table of 64.
-  const uint64_t hashes[] = {63, 62, 63, 0, 63 + 64, 63 + 64};
-  for (size_t taken_out = 0; taken_out < 6; ++taken_out) {
-    TextIndex<const Item> index;
-    EXPECT_EQ(nullptr, index.find("a", 63));
-    index.make_room();
-    for (size_t i = 0; i < 6; ++i) index.insert(&items[i], hashes[i]);
-    EXPECT_EQ(nullptr, index.find("g", 63));
-    index.remove(&items[taken_out], hashes[taken_out]);
-    for (size_t i = 0; i < 6; ++i)
-      EXPECT_EQ(i == taken_out ? nullptr : &items[i], index.find(items[i].str, hashes[i])) << i;
+  const std::string letters = "abcdefghijklmnopqrstuvwxyz";
+  Texts all;
+  for (size_t length = 0; length < 20; ++length)
+    for (const size_t start : {0, 1}) all.texts.push_back(letters.substr(start, length));
+  all.texts.erase(all.texts.begin());  // the second empty one
+  std::vector<TextKey> keys;
+  for (const std::string& text : all.texts)
+    keys.push_back(text.size() < 15 ? TextKey(text.c_str(), text.size()) : TextKey("xxxxxxxxx", 9));
+  const int count = static_cast<int>(all.texts.size());
+  EXPECT_EQ(0, all.find("a", keys[1]));
+  for (int taken_out = 1; taken_out <= count; ++taken_out) {
+    all.index = TextIndex();
+    for (int n = 1; n <= count; ++n) {
+      all.index.make_room();
+      all.index.insert(n, keys[static_cast<size_t>(n) - 1]);
+    }
+    all.index.remove(taken_out, keys[static_cast<size_t>(taken_out) - 1]);
+    for (int n = 1; n <= count; ++n) {
+      const size_t i = static_cast<size_t>(n) - 1;
+      EXPECT_EQ(n == taken_out ? 0 : n, all.find(all.texts[i], keys[i])) << all.texts[i];
+    }
+    EXPECT_EQ(0, all.find("none of these", keys.back()));
   }
+}
+
+// Short texts are told apart by their keys alone.
+TEST(TextIndex, KeepsAShortTextInItsKey) {
+  const std::vector<std::string> texts = {"",        "a",        "aa",      "ab",     "aba",
+                                          "aab",     "abab",     "ababa",   "abcbab", "abccbab",
+                                          "aaaaaaa", "aaaaaaaa", "aaabaaaa"};
+  for (const std::string& a : texts)
+    for (const std::string& b : texts) {
+      const TextKey x(a.c_str(), a.size()), y(b.c_str(), b.size());
+      EXPECT_EQ(a == b, x.word == y.word && x.length == y.length) << a << " " << b;
+    }
 }

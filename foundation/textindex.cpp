@@ -1,0 +1,65 @@
+#include "foundation/textindex.h"
+
+static uint64_t four_characters(const char* text) {
+  uint32_t word;
+  std::memcpy(&word, text, sizeof word);
+  return word;
+}
+
+// The characters of two ends that overlap where there are fewer than eight. Texts of one length
+// have different words.
+static uint64_t short_word(const char* text, size_t length) {
+  if (length >= 4) return four_characters(text) | four_characters(text + length - 4) << 32;
+  if (length == 0) return 0;
+  const auto character = [text](size_t i) { return uint64_t{static_cast<unsigned char>(text[i])}; };
+  return character(0) | character(length / 2) << 8 | character(length - 1) << 16;
+}
+
+static uint64_t hash(const char* text, size_t length) {
+  constexpr uint64_t odd = 0x9E3779B97F4A7C15u;
+  uint64_t mixed = length * odd;
+  const auto mix_in = [&mixed](uint64_t word) {
+    mixed = (mixed ^ word) * odd;
+    mixed ^= mixed >> 29;
+  };
+  for (; length > 8; text += 8, length -= 8) mix_in(short_word(text, 8));
+  mix_in(short_word(text, length));
+  mixed *= odd;
+  return mixed ^ (mixed >> 32);
+}
+
+TextKey::TextKey(const char* text, size_t text_length)
+    : word(text_length <= short_length ? short_word(text, text_length) : hash(text, text_length)),
+      length(static_cast<uint32_t>(text_length)) {}
+
+void TextIndex::make_room() {
+  if (3 * (taken_ + 1) <= 2 * slots_.size()) return;
+  std::vector<Slot> larger(slots_.empty() ? 64 : 2 * slots_.size());
+  larger.swap(slots_);
+  for (const Slot& slot : larger) {
+    if (slot.number == 0) continue;
+    size_t i = place(slot);
+    while (slots_[i].number != 0) i = (i + 1) & mask();
+    slots_[i] = slot;
+  }
+}
+
+void TextIndex::insert(int number, const TextKey& key) noexcept {
+  size_t i = place(key);
+  while (slots_[i].number != 0) i = (i + 1) & mask();
+  slots_[i] = {key.word, key.length, number};
+  ++taken_;
+}
+
+void TextIndex::remove(int number, const TextKey& key) noexcept {
+  size_t gap = place(key);
+  while (slots_[gap].number != number) gap = (gap + 1) & mask();
+  // Each text behind the gap moves into it, unless its search begins behind the gap.
+  for (size_t i = (gap + 1) & mask(); slots_[i].number != 0; i = (i + 1) & mask()) {
+    if (((i - place(slots_[i])) & mask()) < ((i - gap) & mask())) continue;
+    slots_[gap] = slots_[i];
+    gap = i;
+  }
+  slots_[gap].number = 0;
+  --taken_;
+}
