@@ -34,10 +34,10 @@ class ChunkArray {
     // i / size_, by a multiplication that is exact for all ints and takes a third of the time.
     const uint64_t rank = (static_cast<uint64_t>(i) * reciprocal_) >> shift_;
     if (rank >= directory_.size()) extend(rank);
-    ChunkArray* chunk = directory_[rank];
+    const Entry& entry = directory_[rank];
     const int place = i - static_cast<int>(rank) * size_;
-    if (place > chunk->last_used) chunk->last_used = place;
-    return chunk->items[place];
+    if (place > entry.chunk->last_used) entry.chunk->last_used = place;
+    return entry.items[place];
   }
 
   // One more than the highest index used, counted from this chunk.
@@ -61,9 +61,10 @@ class ChunkArray {
   // Covers the chunk `rank`, from 0. Out of the way of those calls that need it not.
   [[gnu::noinline]] void extend(uint64_t rank) {
     while (directory_.size() <= rank) {
-      ChunkArray* last = directory_.empty() ? nullptr : directory_.back();
+      ChunkArray* last = directory_.empty() ? nullptr : directory_.back().chunk;
       if (last != nullptr && last->next == nullptr) last->grow();
-      directory_.push_back(last != nullptr ? last->next : this);
+      ChunkArray* chunk = last != nullptr ? last->next : this;
+      directory_.push_back({chunk, chunk->items});
     }
   }
   void grow() {
@@ -71,9 +72,14 @@ class ChunkArray {
     last_used = size_ - 1;
   }
 
+  struct Entry {
+    ChunkArray* chunk;
+    Item* items;  // of the chunk
+  };
+
   uint64_t reciprocal_;  // of size_, times 2 to the power of shift_
   int shift_ = 31;
-  std::vector<ChunkArray*> directory_;  // the chunks from this one, as far as they were asked for
+  std::vector<Entry> directory_;  // the chunks from this one, as far as they were asked for
 };
 
 #endif

@@ -77,19 +77,20 @@ enum IdentMode {
 class IdentInfo : public SymbolInfo {
  public:
   IdentInfo(IdentMode role, int symbol, EcType* ident_type, int ident_clock)
-      : name(symbol), print_name(symbol), clock(ident_clock), mode(role), type(ident_type) {}
+      : type(ident_type), name(symbol), print_name(symbol), clock(ident_clock), mode(role) {}
   IdentInfo* is_ident() override { return this; }
 
+  // First what a reference asks for, so that it takes one line of the cache.
+  Exp* ident_exp = nullptr;   // the leaf that stands for it in expressions; null for an assertion
+  Exp* definition = nullptr;  // right side, or the leaf of an input or constant; null until defined
+  EcType* type;
+  IntList* tuple_names = nullptr;  // all names of its tuple equation; the program's
   int name;
   int print_name;
   int clock;       // symbol of the boolean that clocks it; -1 while unknown
   int value = 0;   // a constant's position or number; the bits of a float for a real literal
   int order = -1;  // rank among inputs, outputs or locals, or in an enumeration; from 0
   IdentMode mode;
-  EcType* type;
-  IntList* tuple_names = nullptr;  // all names of its tuple equation; the program's
-  Exp* definition = nullptr;  // right side, or the leaf of an input or constant; null until defined
-  Exp* ident_exp = nullptr;   // the leaf that stands for it in expressions; null for an assertion
   void* writer_info = nullptr;  // for writers to use; the model leaves it null
 };
 
