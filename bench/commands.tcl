@@ -1,35 +1,56 @@
-# commands.tcl LIBRARY MINIMAL FOLDER EQUATIONS...: what operations cost beside the least that a string
-# command can cost, on the programs FOLDER/EQUATIONS.ec.
+# commands.tcl LIBRARY MINIMAL FOLDER EQUATIONS...: what operations cost on the programs FOLDER/EQUATIONS.ec.
 #
-# Prints a line for each operation and program: name,equations,ratio. The operation and the minimal
-# command are timed in turn, and the median of the ratios counts.
+# Prints lines of what,equations,value: a query against the minimal string command of library MINIMAL with
+# the same words, and what adds to a program against the same in an empty one. The two of a pair are timed
+# in turn, over and over, and the median of the ratios counts. For the programs FOLDER/wide-INPUTS.ec prints
+# the microseconds that the first profile takes for each character of its text.
 
 set sizes [lassign $argv library minimal folder]
+source [file join [file dirname [info script]] results.tcl]
 load $library
 load $minimal Minimal
 
-# The median over seven rounds of the time of `script` against that of `base`.
+# `script` against `base`, each run `count` times in a round.
 proc ratio {script base count} {
     set ratios {}
-    for {set i 0} {$i < 7} {incr i} {
+    for {set round 0} {$round < 101} {incr round} {
+        set before [lindex [time $base $count] 0]
         set cost [lindex [time $script $count] 0]
-        lappend ratios [expr {$cost / [lindex [time $base $count] 0]}]
+        set after [lindex [time $base $count] 0]
+        lappend ratios [expr {2 * $cost / ($before + $after)}]
     }
-    lindex [lsort -real $ratios] 3
+    median $ratios
 }
 
 foreach size $sizes {
     ecprg p
     p load [file join $folder $size.ec]
-    set last [expr {[p nb-locs] - 1}]
-    foreach {name script count} [list \
-        nb-ins {p nb-ins} 50000 \
-        "loc-name of the first" {p loc-name 0} 50000 \
-        "loc-name of the last" [list p loc-name $last] 50000 \
-        "loc-type of the last" [list p loc-type $last] 50000 \
-        exp-type {p exp-type "1 + 2"} 2000] {
-        puts "$name,$size,[format %.2f [ratio $script {minimal word word} $count]]"
+    ecprg empty
+    foreach {what words} [list \
+        nb-ins                nb-ins \
+        in-name               {in-name 5} \
+        "loc-name, the first" {loc-name 0} \
+        "loc-name, the last"  "loc-name [set last [expr {[p nb-locs] - 1}]]" \
+        "loc-type, the last"  "loc-type $last" \
+        "exp-type, a handle"  "exp-type [p exp {1 + 2}]"] {
+        puts "$what / minimal command;$size;[ratio "p $words" "minimal $words" 500]"
     }
+    foreach {what words} {"exp, a short text" {exp "1 + 2"} add-loc {add-loc int}} {
+        puts "$what / in an empty program;$size;[ratio "p $words" "empty $words" 20]"
+    }
+    rename empty {}
     rename p {}
+}
+
+foreach file [glob [file join $folder wide-*.ec]] {
+    set times {}
+    for {set round 0} {$round < 15} {incr round} {
+        ecprg p
+        p load $file
+        lappend times [lindex [time {set profile [p profile]}] 0]
+        rename p {}
+    }
+    regexp {wide-(\d+)} $file _ inputs
+    puts "profile;$inputs;[expr {double([median $times]) / [string length $profile]}]"
 }
 exit

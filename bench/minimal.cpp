@@ -1,10 +1,9 @@
-// The least that a string command with a small result can cost.
+// The least that a string command with a result costs.
 
 #include <tcl.h>
 
-static int minimal(ClientData, Tcl_Interp* interp, int argc, const char* argv[]) {
-  if (argc < 2) return TCL_ERROR;
-  Tcl_SetObjResult(interp, Tcl_NewStringObj(argv[1], -1));
+static int minimal(ClientData, Tcl_Interp* interp, int, const char*[]) {
+  Tcl_SetObjResult(interp, Tcl_NewStringObj("text", -1));
   return TCL_OK;
 }
 

@@ -1,67 +1,111 @@
-# report.tcl ?--check? FOLDER EQUATIONS...: the measurements in FOLDER as a table of ratios. With --check,
-# exits with status 1 where a cost grows faster than the program.
+# report.tcl ?--check? FOLDER EQUATIONS...: the measurements in FOLDER as tables of ratios. A value beyond its
+# goal is marked with '!'. With --check, exits with status 1 where a cost grows faster than the program.
 
 set check [expr {[lindex $argv 0] eq "--check"}]
 set sizes [lassign [lrange $argv $check end] folder]
+source [file join [file dirname [info script]] results.tcl]
 
-# The medians of one run of bench_core, in microseconds by name, with its counts of nodes and bytes.
-proc read_run {name} {
-    set run {}
-    set channel [open [file join $::folder $name.csv]]
-    foreach line [split [read $channel] \n] {
-        set fields [split $line ,]
-        if {[regexp {^"(\w+)_median"} $line _ what]} {
-            dict set run $what [expr {double([lindex $fields 3])}]
-        }
-        if {[regexp {^(nodes|memory),(\d+)} $line _ what count]} {dict set run $what [expr {double($count)}]}
+proc heading {title columns} {
+    puts [format "\n%-46s%5s%s" $title goal [join [lmap column $columns {format " %10s " $column}] ""]]
+}
+
+# A line of a table. `goal` is the most that a value may be, or "-". A value may be empty.
+proc row {what goal shape values} {
+    set line [format "%-46s%5s" $what $goal]
+    foreach value $values {
+        set missed [expr {$goal ne "-" && $value ne "" && $value > $goal}]
+        set shown [if {$value eq ""} {string cat -} {format $shape $value}]
+        append line [format %11s%s $shown [string index " !" $missed]]
     }
-    close $channel
-    return $run
+    puts $line
 }
 
-proc row {what goal values} {
-    puts [format "%-44s %-8s%s" $what $goal \
-        [join [lmap value $values {format %12s $value}] ""]]
+# The value of `expression` for each of `runs`, with its measurements as variables; empty where it lacks one.
+proc of_runs {runs expression} {
+    lmap run $runs {
+        dict with run {}
+        set value ""
+        catch {set value [expr $expression]}
+        unset -nocomplain {*}[dict keys $run]
+        set value
+    }
 }
+
+# The last of `values` against the first.
+proc growth {values} {expr {[lindex $values end] / [lindex $values 0]}}
 
 set runs [lmap size $sizes {read_run $size}]
-row "equations" goal $sizes
-foreach {what goal shape expression} {
-    "load / tokens interned"           3.0 %.2f {$load / $interned}
-    "load / every byte read"           -   %.1f {$load / $bytes}
-    "dump / its pieces in blocks"      1.5 %.2f {$dump / $pieces}
-    "free / load"                      0.1 %.3f {$free / $load}
-    "load, ns a node"                  -   %.0f {1000 * $load / $nodes}
-    "type, ns a node"                  100 %.0f {1000 * $type / $nodes}
-    "memory, bytes a node"             150 %.0f {$memory / $nodes}
-} {
-    row $what $goal [lmap run $runs {
-        dict with run {}
-        format $shape [expr $expression]
-    }]
+foreach line [lines_of commands.csv] {
+    lassign [split $line ";"] what size value
+    if {$what eq "profile"} {dict set profile $size $value} else {dict lappend commands $what $value}
 }
-row "load, colliding / ordinary names" 1.5 [lmap size $sizes {
-    format %.2f [expr {[dict get [read_run $size-colliding] load] /
-        [dict get [read_run $size-ordinary] load]}]
-}]
-set channel [open [file join $folder commands.csv]]
-foreach line [split [string trim [read $channel]] \n] {
-    lassign [split $line ,] name size ratio
-    dict lappend commands $name $ratio
-}
-close $channel
-dict for {name ratios} $commands { row "$name / minimal command" - $ratios }
+set collisions [expr {[dict get [read_run colliding] load] / [dict get [read_run ordinary] load]}]
 
-# What a node costs in the largest program against the smallest.
-foreach what {load type dump free} {
-    lassign [lmap run [list [lindex $runs 0] [lindex $runs end]] {
-        expr {[dict get $run $what] / [dict get $run nodes]}
-    }] small large
-    set growth [expr {$large / $small}]
-    puts [format "%-44s %-8s%12.2f" "$what a node, largest / smallest" "" $growth]
-    if {$check && $growth > 2.5} {
-        puts stderr "bench: $what grows faster than the program: $growth times as much for a node"
-        set failed 1
+if {$check} {
+    # Each beside what grows with the program as it should, so that neither caches nor a busy machine count.
+    set rows {}
+    foreach {what expression} {
+        "load / tokens interned" {$load / $interned}
+        "type / load"            {$type / $load}
+        "free / load"            {$free / $load}
+        "dump / its pieces"      {$dump / $pieces}
+    } {
+        lappend rows $what [growth [of_runs $runs $expression]]
+    }
+    dict for {what values} $commands {lappend rows $what [growth $values]}
+    lappend rows "profile, a character" [growth [lmap inputs [lsort -integer [dict keys $profile]] {
+        dict get $profile $inputs
+    }]]
+    lappend rows "load, colliding / ordinary names" $collisions
+
+    heading "the largest program against the smallest" [list [lindex $sizes end]/[lindex $sizes 0]]
+    set status 0
+    foreach {what factor} $rows {
+        row $what 3.0 %.2f $factor
+        if {$factor > 3.0} {set status 1}
+    }
+    exit $status
+}
+
+# One program a column.
+proc table {title columns runs} {
+    heading $title $columns
+    foreach {what goal shape expression} {
+        "load / tokens interned"           3.0  %.2f {$load / $interned}
+        "load / tokens"                    -    %.2f {$load / $tokens}
+        "load / every byte read"           -    %.0f {$load / $bytes}
+        "load, ns a node"                  -    %.0f {1000 * $load / $nodes}
+        "type, ns a node"                  100  %.0f {1000 * $type / $nodes}
+        "dump / its pieces in blocks"      1.5  %.2f {$dump / $pieces}
+        "free / load"                      0.10 %.3f {$free / $load}
+        "memory allocated, bytes a node"   -    %.0f {$allocated / $nodes}
+        "memory resident, bytes a node"    150  %.0f {$resident / $nodes}
+    } {
+        row $what $goal $shape [of_runs $runs $expression]
     }
 }
-exit [info exists failed]
+
+table equations $sizes $runs
+set base [lindex $sizes [expr {max(0, [lsearch $sizes 10000])}]]
+foreach {what goal measured} {
+    "load in a fresh process, an equation"  1.3 once
+    "load, an equation"                     -   load
+    "type, an equation"                     -   type
+    "dump, an equation"                     -   dump
+    "free, an equation"                     -   free
+} {
+    set costs [lmap size $sizes run $runs {expr {[dict get $run $measured] / $size}}]
+    set unit [lindex $costs [lsearch $sizes $base]]
+    row "$what / at $base" $goal %.2f [lmap size $sizes cost $costs {
+        expr {$size < $base ? "" : $cost / $unit}
+    }]
+}
+dict for {what values} $commands {
+    row $what [expr {[string match "*minimal command" $what] ? 1.15 : 1.3}] %.2f $values
+}
+
+set shapes {small large long-names ordinary colliding chain}
+table "shapes: expressions, names, a chain" $shapes [lmap shape $shapes {read_run $shape}]
+row "load, colliding / ordinary names" 1.5 %.2f $collisions
+heading "profile of so many inputs" [set wide [lsort -integer [dict keys $profile]]]
+row "ns a character" - %.1f [lmap inputs $wide {expr {1000 * [dict get $profile $inputs]}}]
