@@ -12,10 +12,10 @@ Dorvik* last_dorvik;
 
 namespace {
 
-int DORVIK_help(ClientData, Tcl_Interp*, int, const char*[]);
-int DORVIK_verbose(ClientData, Tcl_Interp*, int, const char*[]);
-int DORVIK_sigint(ClientData, Tcl_Interp*, int, const char*[]);
-int DORVIK_ecprg(ClientData, Tcl_Interp*, int, const char*[]);
+int DORVIK_help(void*, Tcl_Interp*, int, const char*[]);
+int DORVIK_verbose(void*, Tcl_Interp*, int, const char*[]);
+int DORVIK_sigint(void*, Tcl_Interp*, int, const char*[]);
+int DORVIK_ecprg(void*, Tcl_Interp*, int, const char*[]);
 
 struct GlobalCommand {
   const char* name;
@@ -43,11 +43,11 @@ const GlobalCommand global_commands[] = {
      {" <manager name> [<node name>]  --creates a node manager", nullptr}},
 };
 
-int usage_error(ClientData data, int command, const char* name) {
+int usage_error(void* data, int command, const char* name) {
   return static_cast<Dorvik*>(data)->cmd_error(name, "%s", global_commands[command].usage);
 }
 
-int DORVIK_help(ClientData, Tcl_Interp*, int, const char*[]) {
+int DORVIK_help(void*, Tcl_Interp*, int, const char*[]) {
   std::puts("dorvik commands are:");
   for (int i = 0; i < operation_count; ++i)
     std::printf("<ecprg> %s%s\n", operations[i].word, operations[i].help);
@@ -58,7 +58,7 @@ int DORVIK_help(ClientData, Tcl_Interp*, int, const char*[]) {
   return TCL_OK;
 }
 
-int DORVIK_verbose(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]) {
+int DORVIK_verbose(void* data, Tcl_Interp* interp, int argc, const char* argv[]) {
   return run_command(interp, [=] {
     int level = 1;
     if (argc > 2 || (argc == 2 && monatoi(argv[1], &level) != 0))
@@ -69,7 +69,7 @@ int DORVIK_verbose(ClientData data, Tcl_Interp* interp, int argc, const char* ar
   });
 }
 
-int DORVIK_sigint(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]) {
+int DORVIK_sigint(void* data, Tcl_Interp* interp, int argc, const char* argv[]) {
   return run_command(interp, [=] {
     if (argc != 2) return usage_error(data, SIGINT_SCRIPT, argv[0]);
     static_cast<Dorvik*>(data)->set_sigint_script(argv[1]);
@@ -77,7 +77,7 @@ int DORVIK_sigint(ClientData data, Tcl_Interp* interp, int argc, const char* arg
   });
 }
 
-int DORVIK_ecprg(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]) {
+int DORVIK_ecprg(void* data, Tcl_Interp* interp, int argc, const char* argv[]) {
   return run_command(interp, [=] {
     if (argc < 2) return usage_error(data, ECPRG, argv[0]);
     return static_cast<Dorvik*>(data)->create_ecprg(argv[1], argc - 2, argv + 2);
@@ -117,7 +117,7 @@ int creation_error(Tcl_Interp* interp, const char* name) {
 }
 
 // Objects that are still there have lost their command without being told.
-void forget_interp(ClientData data, Tcl_Interp*) {
+void forget_interp(void* data, Tcl_Interp*) {
   Dorvik* dorvik = static_cast<Dorvik*>(data);
   while (EcPrgVar* left = dorvik->programs) {
     dorvik->remove_ecprg(left);

@@ -162,8 +162,8 @@ class EcPrgVar {
 };
 
 // The operation procedures of a program object's command.
-int ECPRG_call(ClientData object, Tcl_Interp* interp, int argc, const char* argv[]);
-void ECPRG_delete(ClientData object);
+int ECPRG_call(void* object, Tcl_Interp* interp, int argc, const char* argv[]);
+void ECPRG_delete(void* object);
 
 // strtol in base 10. Returns 0, or 1 where `text` does not begin with a number.
 int monatoi(const char* text, int* value);

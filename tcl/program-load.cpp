@@ -68,7 +68,7 @@ FILE* EcPrgVar::open_channel(const Operation& operation, const char* name) {
     call_error({{"LOOKUP", "CHANNEL", name}}, "%s: invalid channel '%s'", operation.word, name);
     return nullptr;
   }
-  ClientData handle;
+  void* handle;
   if ((mode & TCL_READABLE) == 0 ||
       Tcl_GetChannelHandle(channel, TCL_READABLE, &handle) != TCL_OK) {
     // What Tcl says of a channel without a descriptor would fail the next operation on it.

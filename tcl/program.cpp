@@ -116,7 +116,7 @@ constexpr OperationIndex operation_index;
 
 }  // namespace
 
-static void note_rename(ClientData data, Tcl_Interp*, const char*, const char* new_name, int) {
+static void note_rename(void* data, Tcl_Interp*, const char*, const char* new_name, int) {
   static_cast<EcPrgVar*>(data)->note_name(new_name);
 }
 
@@ -141,7 +141,7 @@ bool EcPrgVar::has_command() const {
          found.clientData == this;
 }
 
-int ECPRG_call(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]) {
+int ECPRG_call(void* data, Tcl_Interp* interp, int argc, const char* argv[]) {
   EcPrgVar* object = static_cast<EcPrgVar*>(data);
   object->hold();  // a trace may delete the command meanwhile
   const int result = run_command(interp, [=] {
@@ -153,7 +153,7 @@ int ECPRG_call(ClientData data, Tcl_Interp* interp, int argc, const char* argv[]
   return result;
 }
 
-void ECPRG_delete(ClientData data) {
+void ECPRG_delete(void* data) {
   EcPrgVar* object = static_cast<EcPrgVar*>(data);
   Verbose("delete of : %s\n", object->command_name());
   object->owner->remove_ecprg(object);

@@ -1,5 +1,5 @@
 // tcl/support.h: what every command of this library asks of Tcl. What differs between the series of
-// Tcl is settled here.
+// Tcl is settled here; for the rest, the sources use what 8.6 and 9 have alike, so no ClientData.
 #ifndef TCL_SUPPORT_H
 #define TCL_SUPPORT_H
 

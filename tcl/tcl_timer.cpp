@@ -47,7 +47,7 @@ TimeHandler* token2time_handler(const char* text) {
 
 // While the script runs it may abort this timer or delete add_timer: the record stays until it is
 // done.
-void call_a_script(ClientData data) {
+void call_a_script(void* data) {
   TimeHandler* record = static_cast<TimeHandler*>(data);
   record->running = true;
   evaluate_aside(record->interp, Tcl_NewStringObj(record->script.c_str(), -1));
@@ -59,7 +59,7 @@ int usage_error(Tcl_Interp* interp, const char* command, const char* usage) {
   return deliver_error(interp, {{"USAGE", command}}, usage);
 }
 
-int create_a_time_handler(ClientData, Tcl_Interp* interp, int argc, const char* argv[]) {
+int create_a_time_handler(void*, Tcl_Interp* interp, int argc, const char* argv[]) {
   return run_command(interp, [=] {
     const int delay = argc == 3 ? read_int(argv[1]) : 0;
     if (delay <= 0)
@@ -77,7 +77,7 @@ int create_a_time_handler(ClientData, Tcl_Interp* interp, int argc, const char* 
   });
 }
 
-int abort_a_time_handler(ClientData, Tcl_Interp* interp, int argc, const char* argv[]) {
+int abort_a_time_handler(void*, Tcl_Interp* interp, int argc, const char* argv[]) {
   return run_command(interp, [=] {
     TimeHandler* record = argc == 2 ? token2time_handler(argv[1]) : nullptr;
     if (record == nullptr)
@@ -87,7 +87,7 @@ int abort_a_time_handler(ClientData, Tcl_Interp* interp, int argc, const char* a
   });
 }
 
-void delete_all_time_handlers(ClientData) {
+void delete_all_time_handlers(void*) {
   while (TimeHandler_list != nullptr) remove_record(TimeHandler_list);
 }
 
