@@ -1,9 +1,8 @@
 #!/usr/bin/env bash
 # scripts/setup.sh [SECTION...]: installs what is missing of scripts/packages.txt.
 #
-# The sections are "build", which is the default, "ci" and "coverage". Where everything is there,
-# this costs one look and needs no rights; otherwise apt-get runs as root or through a sudo that
-# asks nothing.
+# Its sections say what they are for; "build" is the default. Where everything is there, this costs one
+# look and needs no rights; otherwise apt-get runs as root or through a sudo that asks nothing.
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
