@@ -8,6 +8,7 @@
 #define TCL_DORVIK_H
 
 #include <memory>
+#include <vector>
 
 #include "foundation/text.h"
 #include "model/ecprg.h"
@@ -133,6 +134,7 @@ class EcPrgVar {
   std::unique_ptr<SymbolTable> exp_names = std::make_unique<SymbolTable>();  // handles issued
   std::unique_ptr<SymbolTable> symbols;  // null where there is no program
   std::unique_ptr<EcPrg> prg;            // null only after an ecprg with too many words
+  std::vector<Exp*> handled;             // by the number of the handle in exp_names, from 1
   EcPrgVar* next = nullptr;              // of the owner's list
   EcPrgVar* previous = nullptr;          // of the same
   Tcl_Command command = nullptr;         // null before it is created and when it is gone

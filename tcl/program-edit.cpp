@@ -144,7 +144,7 @@ int EcPrgVar::exp_type(const Operation& operation, int, const char* params[]) {
   Exp* e;
   if (find_exp(operation, params[0], &e) != TCL_OK) return TCL_ERROR;
   const char* name = type_name(prg->type(e));
-  Verbose(2, "=> %s %s : %s = (", operation.word, params[0], name);
+  if (Verbose() > 1) Verbose(2, "=> %s %s : %s = (", operation.word, params[0], name);
   show_exp(e);
   return text_result(name);
 }

@@ -27,6 +27,7 @@ void EcPrgVar::install(Program program) {
   prg = std::move(program.prg);
   symbols = std::move(program.symbols);
   exp_names = std::move(program.exp_names);
+  handled.clear();
   new_ident_count = 0;
   input_index = output_index = local_index = function_index = IntListIndex();
 }

@@ -1,7 +1,5 @@
 // Program objects: the table of operations, their dispatch, and the life of an object.
 
-#include <charconv>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -188,6 +186,7 @@ int EcPrgVar::add_to_program(const Operation& operation, int nparams, const char
     prg->roll_back(program);
     symbols->cut_back(names);
     exp_names->cut_back(handles);
+    handled.resize(static_cast<size_t>(handles));
     new_ident_count = new_idents;
     throw;
   }
@@ -228,16 +227,15 @@ const char* EcPrgVar::command_name() const {
 }
 
 const char* EcPrgVar::exp2string(Exp* e) {
-  return exp_names->name(exp_names->add("_exp%lX", reinterpret_cast<unsigned long>(e)));
+  const int number = exp_names->add("_exp%lX", reinterpret_cast<unsigned long>(e));
+  if (static_cast<size_t>(number) > handled.size()) handled.push_back(e);
+  return exp_names->name(number);
 }
 
 Exp* EcPrgVar::string2exp(const char* handle) {
   // As it stands: a text that means another name has a '%', which no handle has.
-  if (exp_names->find_text(handle) == 0) return nullptr;
-  const std::string_view digits = std::string_view(handle).substr(4);  // behind "_exp"
-  uintptr_t address = 0;
-  std::from_chars(digits.begin(), digits.end(), address, 16);
-  return reinterpret_cast<Exp*>(address);
+  const int number = exp_names->find_text(handle);
+  return number != 0 ? handled[static_cast<size_t>(number) - 1] : nullptr;
 }
 
 int monatoi(const char* text, int* value) {
