@@ -257,7 +257,8 @@ namespace eval ::tamselbrowser::layout {
           lappend wanted [expr {$near eq "" ? [dict get $middle $vertex] : $sum / [llength $near]}]
         }
         foreach vertex [lindex $columns $i] y [settle $wanted [lindex $apart $i]] {
-          dict set middle $vertex $y
+          # Whole pixels: a wire that is nearly level looks broken.
+          dict set middle $vertex [expr {round($y)}]
         }
         ::tamselbrowser::work::pause $i [llength $columns]
       }

@@ -2,7 +2,7 @@
 #
 # Views do not know one another. They listen to events, with a command that gets the event's words:
 #   opened ID, closed ID       a program came, went
-#   program ID                 another program is current, or the current one was read anew; ID may be ""
+#   program ID                 the current program is known now, also when it was read anew; "": there is none
 #   kind KIND                  the table is to show input, output, local, function or "" (all) alone
 #   name NAME ORIGIN           another name of it is chosen; NAME may be ""; ORIGIN is the view it was chosen in
 #   command TEXT               a Tcl command that does what the user just did
@@ -57,6 +57,7 @@ namespace eval ::tamselbrowser::shown {
   }
 
   # Makes a program current (none: ""), and reads what there is to know of it where nobody has yet.
+  # Until that is done the views are told that there is none.
   proc select {id} {
     variable program
     variable name
@@ -69,6 +70,8 @@ namespace eval ::tamselbrowser::shown {
       tell name $name ""
       return
     }
+    # What stands in the views is no longer true.
+    tell program ""
     ::tamselbrowser::work::start read "Reading [::tamselbrowser::program::label $id]" \
       [namespace code [list read_then_tell $id]]
   }

@@ -12,8 +12,8 @@ namespace eval ::tamselbrowser::view::expression {
     set expression [string trim [$frame.line get]]
     set id [::tamselbrowser::shown::program]
     if {$expression eq "" || $id eq ""} {
-      $frame.answer configure -text [expr {$id eq "" ? "open a program first" : ""}] \
-        -style Faint.TLabel
+      $frame.answer configure -style Faint.TLabel \
+        -text [expr {$expression ne "" ? "open a program first" : ""}]
       return
     }
     set style Type.TLabel

@@ -215,7 +215,9 @@ namespace eval ::tamselbrowser::view::graph {
     set shown [llength [dict get $picture items]]
     set all [llength [::tamselbrowser::program::details $id names]]
     set text [expr {$shown == $all ? "all $all names" : "$shown of $all names"}]
-    if {$shown >= $::tamselbrowser::cone::most_items && $shown < $all} {append text ", the nearest"}
+    if {$shown >= $::tamselbrowser::cone::most_items && $shown < $all} {
+      append text [expr {$centre eq "" ? ", outputs first" : ", the nearest"}]
+    }
     $frame.bar.caption configure -text $text
     $frame.bar.centre configure -text [expr {$centre eq "" ? "" : "of [::tamselbrowser::style::shortened \
       $centre tamselbrowser.bold 170]"}]
@@ -301,6 +303,11 @@ namespace eval ::tamselbrowser::view::graph {
     ::tamselbrowser::view::picture::reset $canvas
     $frame.bar.caption configure -text ""
     $frame.bar.centre configure -text ""
+    if {[::tamselbrowser::program::all] eq ""} {
+      $canvas create text 0 0 -text "Open an EC program: File, Open… or Ctrl+O" \
+        -font tamselbrowser.heading -fill [::tamselbrowser::style::colour faint]
+      ::tamselbrowser::view::picture::fit $canvas
+    }
   }
 
   # A name was chosen. The picture stays as it is where that was done in it.
@@ -351,7 +358,9 @@ namespace eval ::tamselbrowser::view::graph {
   proc clicked {} {
     set name [pointed]
     if {$name eq ""} return
-    ::tamselbrowser::view::log::name [::tamselbrowser::shown::program] $name
+    set id [::tamselbrowser::shown::program]
+    ::tamselbrowser::view::log::name $id $name
+    ::tamselbrowser::view::log::neighbours $id $name
     ::tamselbrowser::shown::choose $name graph
   }
   proc double_clicked {} {

@@ -10,17 +10,33 @@ namespace eval ::tamselbrowser::view::log {
   variable last ""      ;# the last command
   # What a script needs besides the library.
   variable helpers {
-    equation {proc equation {program name} {
+    dumped {proc dumped {program} {
   close [file tempfile path]; $program dump $path
   set channel [open $path]; set text [read $channel]; close $channel; file delete $path
-  regexp "\[;t]\\s*((?:\\w+,\\s*)*$name\\s*(?:,\\s*\\w+\\s*)*=\[^;]*);" $text -> found
-  expr {[info exists found] ? $found : ""}
+  return $text
+}}
+    equation {proc equation {program name} {
+  regexp "\[;t]\\s*((?:\\w+,\\s*)*$name\\s*(?:,\\s*\\w+\\s*)*=\[^;]*);" [dumped $program] -> found
+  return $found
 }}
     names {proc names {program} {
   foreach kind {in out loc} {
     for {set i 0} {$i < [$program nb-${kind}s]} {incr i} {lappend all [$program $kind-name $i]}
   }
   return $all
+}}
+    needs {proc needs {program name} {
+  set words [regexp -all -inline {\w+} [regsub {^[^=]*=} [equation $program $name] ""]]
+  lmap other [names $program] {if {$other ni $words} continue; set other}
+}}
+    users {proc users {program name} {
+  set users {}
+  foreach statement [split [regsub {^.*\nlet\n} [dumped $program] ""] ";"] {
+    if {[regexp "^(\[\\w,\\s]+)=.*\\m$name\\M" $statement -> left]} {
+      lappend users {*}[regexp -all -inline {\w+} $left]
+    }
+  }
+  return $users
 }}
   }
 
@@ -39,11 +55,12 @@ namespace eval ::tamselbrowser::view::log {
     append_line $command
   }
 
-  # Shows a command that uses one of the helpers.
-  proc say_with {helper command} {
+  # Shows a command that uses some of the helpers.
+  proc say_with {used command} {
     variable defined
     variable helpers
-    if {$helper ni $defined} {
+    foreach helper $used {
+      if {$helper in $defined} continue
       lappend defined $helper
       append_line [dict get $helpers $helper]
     }
@@ -59,8 +76,17 @@ namespace eval ::tamselbrowser::view::log {
       }
     }
     if {[::tamselbrowser::program::fact $id defined $name] ne ""} {
-      say_with equation [list equation [::tamselbrowser::program::object $id] $name]
+      say_with {dumped equation} [list equation [::tamselbrowser::program::object $id] $name]
     }
+  }
+
+  # What lists what a name needs, and what needs it.
+  proc neighbours {id name} {
+    set object [::tamselbrowser::program::object $id]
+    if {[::tamselbrowser::program::fact $id defined $name] ne ""} {
+      say_with {dumped equation names needs} [list needs $object $name]
+    }
+    say_with {dumped users} [list users $object $name]
   }
 
   # What lists the names that fit a filter.

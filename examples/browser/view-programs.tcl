@@ -47,7 +47,11 @@ namespace eval ::tamselbrowser::view::programs {
     set row [lindex [$tree selection] 0]
     if {$row eq ""} return
     lassign [split $row /] id kind
-    if {$id ne [::tamselbrowser::shown::program]} {::tamselbrowser::shown::select $id}
+    # One whose reading was stopped may be chosen again.
+    if {$id ne [::tamselbrowser::shown::program]
+        || (![::tamselbrowser::program::is_read $id] && ![::tamselbrowser::work::is_busy])} {
+      ::tamselbrowser::shown::select $id
+    }
     if {$kind eq ""} {
       ::tamselbrowser::program::say $id profile
     } else {

@@ -88,6 +88,7 @@ namespace eval ::tamselbrowser::view::table {
   # The rows of a program.
   proc collect {id} {
     set number 0
+    set found {}
     foreach name [::tamselbrowser::program::details $id names] {
       lappend found [list [incr number] $name {*}[lmap array {type clock kind} {
         ::tamselbrowser::program::fact $id $array $name
@@ -111,31 +112,36 @@ namespace eval ::tamselbrowser::view::table {
     set rows {}
     array unset item_of
     $tree children {} {}
-    set done 0
     while {$items ne ""} {
       $tree delete [lrange $items 0 499]
       set items [lrange $items 500 end]
       ::tamselbrowser::work::pause 0 1
     }
     set total [llength $new]
-    foreach row $new {
-      set values [lassign $row item name]
-      # Behind the first ones from the bottom up: to append would cost a walk over all rows.
-      $tree insert {} end -id $item -values [list $name {*}$values]
-      lappend rows $row
-      if {[lindex $row 4] ne "function"} {set item_of($name) $item}
-      ::tamselbrowser::work::pause [incr done] $total
+    set done 0
+    try {
+      foreach row $new {
+        set values [lassign $row item name]
+        $tree insert {} end -id $item -values [list $name {*}$values]
+        lappend rows $row
+        if {[lindex $row 4] ne "function"} {set item_of($name) $item}
+        ::tamselbrowser::work::pause [incr done] $total
+      }
+    } finally {
+      # Also where it was stopped: what is there counts and obeys the filter.
+      arrange
     }
-    arrange
     show_chosen [::tamselbrowser::shown::name]
   }
 
   proc current {id} {
     variable tree
     variable rows
+    variable item_of
     if {$id eq ""} {
       $tree delete [lmap row $rows {lindex $row 0}]
       set rows {}
+      array unset item_of
       arrange
     } else {
       ::tamselbrowser::work::start table "Listing [::tamselbrowser::program::label $id]" \

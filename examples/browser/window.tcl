@@ -204,7 +204,7 @@ namespace eval ::tamselbrowser::window {
       Reload Ctrl+r [namespace code {reload [::tamselbrowser::shown::program]}] \
       Close Ctrl+w [namespace code close_current] \
       - {} {} \
-      "Export as SVG…" Ctrl+e [namespace code {export svg}] \
+      "Export as SVG…" {} [namespace code {export svg}] \
       "Export as PNG…" {} [namespace code {export png}] \
       "Export as PDF…" {} [namespace code {export pdf}] \
       - {} {} \

@@ -43,7 +43,7 @@ namespace eval ::tamselbrowser::work {
       ::tamselbrowser::shown::tell progress $title 0
       uplevel #0 $command
     } trap {TAMSELBROWSER STOPPED} {} {
-      ::tamselbrowser::shown::tell status "Stopped: $title"
+      ::tamselbrowser::shown::tell status "Stopped: $title (choose the program again to go on)"
     } trap {TAMSELBROWSER REPLACED} {} {
     } on error {result options} {
       ::tamselbrowser::shown::tell failed "Not finished: $title" [list [list "" $result $options]]
