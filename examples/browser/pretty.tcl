@@ -10,7 +10,6 @@ namespace eval ::tamselbrowser::pretty {
     ** {9 9 10}  when {10 10 11}
   }
   variable prefix {not 6  pre 11  current 11  int 11  real 11  - 11}
-  variable longest 20000  ;# a longer text stays as it is: nobody reads it
 
   proc tokens {text} {
     regexp -all -inline {\d[\w.]*(?:[eE][-+]\d+)?|\w+|->|<>|<=|>=|=>|\*\*|[-+*/%=<>#(),]} $text
@@ -107,8 +106,6 @@ namespace eval ::tamselbrowser::pretty {
 
   # `text` with few parentheses; as it is where that cannot be done.
   proc expression {text} {
-    variable longest
-    if {[string length $text] > $longest} {return $text}
     try {
       return [combined $text]
     } on error {} {

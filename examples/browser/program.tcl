@@ -3,7 +3,7 @@
 # Everything is asked of the library: names and types of its operations, clocks and equations of the
 # text that `dump` writes. A program is called by its identifier, p1, p2 and so on; its facts are
 # arrays and lists in a namespace of that name below `of`: kind, type and index by NAME, `names` in
-# the order of declaration, `functions` {NAME DECLARATION} and what quarel::read adds.
+# the order of declaration, and what quarel::read adds.
 
 namespace eval ::tamselbrowser::program {
   variable count 0   ;# programs opened so far
@@ -154,14 +154,16 @@ namespace eval ::tamselbrowser::program {
     variable sections
     set counts {}
     foreach {word its_kind} $sections {dict set counts $its_kind [call $id nb-${word}s]}
-    dict set counts function [call $id nb-funcs]
+    # Those of several results are known of the text alone.
+    dict set counts function \
+      [expr {[is_read $id] ? [llength [details $id functions]] : [call $id nb-funcs]}]
     dict set counts assertion [call $id nb-asts]
   }
 
-  # Asks for the variables and functions.
+  # Asks for the variables.
   proc read_declarations {id facts} {
     variable sections
-    namespace upvar $facts kind kind type type index index names names functions functions
+    namespace upvar $facts kind kind type type index index names names
     foreach {word its_kind} $sections {
       set number [call $id nb-${word}s]
       for {set i 0} {$i < $number} {incr i} {
@@ -173,12 +175,6 @@ namespace eval ::tamselbrowser::program {
         set type($name) [expr {$its_type eq "<unamed-type>" ? "?" : $its_type}]
         ::tamselbrowser::work::pause $i $number
       }
-    }
-    set number [call $id nb-funcs]
-    for {set i 0} {$i < $number} {incr i} {
-      set declaration [call $id func-decl $i]
-      lappend functions [list [lindex $declaration 0] [join [lrange $declaration 1 end]]]
-      ::tamselbrowser::work::pause $i $number
     }
   }
 
@@ -198,6 +194,7 @@ namespace eval ::tamselbrowser::program {
       }
       unset list
       variable text ""
+      variable pending ""
     }
     set done 0
     try {

@@ -49,6 +49,22 @@ namespace eval ::tamselbrowser::quarel {
     return $needs
   }
 
+  # Reads one piece of a function's declaration, which has as many as parameters and results; the last
+  # one completes it.
+  proc read_function {piece line facts} {
+    namespace upvar $facts pending pending functions functions line_of line_of
+    if {[regexp {^\s*function\s+(\w+)} $piece whole name]} {
+      set line_of($name) [expr {$line + [occurrences \n $whole]}]
+    }
+    append pending $piece ";"
+    if {![regexp {(\w+)\s*\(([^()]*)\)\s*returns\s*\(([^()]*)\)} $pending -> name parameters results]} return
+    set pending ""
+    foreach part {parameters results} {
+      set $part [lmap {_ type} [regexp -all -inline {:\s*([\w?]+)} [set $part]] {set type}]
+    }
+    lappend functions [list $name [string trim "$parameters : $results"]]
+  }
+
   # Reads one piece of what stands before `let`, which begins in `line`. `section` is the word that the
   # present section began with, and is kept up to date.
   proc read_declaration {piece line facts section} {
@@ -57,9 +73,7 @@ namespace eval ::tamselbrowser::quarel {
     regexp {^\s*(type|const|function|node|var)\M} $piece -> current
     if {$current eq "type"} return
     if {$current eq "function"} {
-      if {[regexp {^\s*function\s+(\w+)} $piece whole name]} {
-        set line_of($name) [expr {$line + [occurrences \n $whole]}]
-      }
+      read_function $piece $line $facts
       return
     }
     # One declaration, or two about the word `returns`.
@@ -102,6 +116,7 @@ namespace eval ::tamselbrowser::quarel {
   # Reads a whole text into the arrays and lists of namespace `facts`, whose array `kind` has the
   # inputs, outputs and locals already. A task. It adds:
   #   kind(NAME), type(NAME)  of constants
+  #   functions               a list of {NAME TYPES}, TYPES as `func-decl` writes them
   #   clock(NAME)             of what is not on the base clock
   #   line_of(NAME)           the line, from 1, of its equation, else of its declaration
   #   equation_names          for each equation, from 0, the names it defines; none for an assertion

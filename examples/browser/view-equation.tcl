@@ -2,6 +2,7 @@
 
 namespace eval ::tamselbrowser::view::equation {
   variable frame ""
+  variable longest 20000  ;# characters of an equation; nobody reads more
 
   # What a name is, in words.
   proc describe {id name} {
@@ -14,7 +15,11 @@ namespace eval ::tamselbrowser::view::equation {
 
   # What defines it; for a name without equation, why it has none.
   proc definition {id name} {
+    variable longest
     set equation [::tamselbrowser::program::equation $id $name]
+    if {[string length $equation] > $longest} {
+      return "[string range $equation 0 $longest-1]… (the source has the rest)"
+    }
     if {$equation ne ""} {return [::tamselbrowser::pretty::equation $equation]}
     switch -- [::tamselbrowser::program::fact $id kind $name] {
       input {return "An input comes from outside."}

@@ -357,7 +357,7 @@ namespace eval ::tamselbrowser::view::graph {
   }
   proc clicked {} {
     set name [pointed]
-    if {$name eq ""} return
+    if {$name in [list "" [::tamselbrowser::shown::name]]} return
     set id [::tamselbrowser::shown::program]
     ::tamselbrowser::view::log::name $id $name
     ::tamselbrowser::view::log::neighbours $id $name

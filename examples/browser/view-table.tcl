@@ -177,8 +177,11 @@ namespace eval ::tamselbrowser::view::table {
     if {$name eq [::tamselbrowser::shown::name]} return
     if {$kind eq "function"} {
       set functions [::tamselbrowser::program::details $id functions]
-      ::tamselbrowser::program::say $id func-decl \
-        [expr {$item - 1 - ([llength $rows] - [llength $functions])}]
+      set index [expr {$item - 1 - ([llength $rows] - [llength $functions])}]
+      # Those of several results come last, and the library's operations do not know them.
+      if {$index < [::tamselbrowser::program::call $id nb-funcs]} {
+        ::tamselbrowser::program::say $id func-decl $index
+      }
       ::tamselbrowser::shown::tell status "function $name: [lindex $rows $item-1 2]"
     } else {
       ::tamselbrowser::view::log::name $id $name
