@@ -4,14 +4,16 @@
 # widely, or are so plain, that they are written into the boxes that need them instead of wired.
 
 namespace eval ::tamselbrowser::cone {
+  namespace path ::tamselbrowser
+
   variable most_items 150  ;# boxes in a picture
   variable most_wires 12   ;# a name that more equations need becomes a label
 
   # Whether the wires of a name are replaced by labels.
   proc is_label {id name} {
     variable most_wires
-    expr {[::tamselbrowser::program::fact $id kind $name] eq "constant"
-      || [::tamselbrowser::program::use_count $id $name] > $most_wires}
+    expr {[program::fact $id kind $name] eq "constant"
+      || [program::use_count $id $name] > $most_wires}
   }
 
   # Up to `most_items` names within `depth` steps of `centre` in the directions `back` (what is
@@ -24,8 +26,8 @@ namespace eval ::tamselbrowser::cone {
       set next {}
       foreach name $edge {
         set found {}
-        if {"back" in $directions} {lappend found {*}[dict keys [::tamselbrowser::program::needs $id $name]]}
-        if {"forth" in $directions} {lappend found {*}[dict keys [::tamselbrowser::program::users $id $name]]}
+        if {"back" in $directions} {lappend found {*}[dict keys [program::needs $id $name]]}
+        if {"forth" in $directions} {lappend found {*}[dict keys [program::users $id $name]]}
         foreach other $found {
           if {[dict exists $items $other] || [is_label $id $other]} continue
           if {[dict size $items] >= $most_items} {return $items}
@@ -63,11 +65,11 @@ namespace eval ::tamselbrowser::cone {
   proc whole {id} {
     variable most_items
     set items {}
-    foreach name [::tamselbrowser::program::names_of $id output] {
+    foreach name [program::names_of $id output] {
       if {[dict size $items] >= $most_items} break
       set items [dict merge $items [collect $id $name 1000 back]]
     }
-    foreach name [::tamselbrowser::program::details $id names] {
+    foreach name [program::details $id names] {
       if {[dict size $items] >= $most_items} break
       dict set items $name 0
     }
@@ -88,7 +90,7 @@ namespace eval ::tamselbrowser::cone {
     foreach item $items {
       set before 0
       set after 0
-      dict for {name delayed} [::tamselbrowser::program::needs $id $item] {
+      dict for {name delayed} [program::needs $id $item] {
         if {$name ne $centre && [is_label $id $name]} {
           dict lappend labels $item $name
         } elseif {[dict exists $drawn $name]} {
@@ -98,7 +100,7 @@ namespace eval ::tamselbrowser::cone {
         }
       }
       if {![is_label $id $item]} {
-        dict for {name _} [::tamselbrowser::program::users $id $item] {
+        dict for {name _} [program::users $id $item] {
           if {![dict exists $drawn $name]} {incr after}
         }
       }

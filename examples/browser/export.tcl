@@ -3,6 +3,8 @@
 # SVG is written from the items of the canvas. Graphviz gets boxes and wires with their places.
 
 namespace eval ::tamselbrowser::export {
+  namespace path ::tamselbrowser
+
   proc escape {text} {
     string map {& &amp; < &lt; > &gt; \" &quot;} $text
   }
@@ -22,7 +24,7 @@ namespace eval ::tamselbrowser::export {
   # The arrowhead at the end of `points`, a variable, which is then drawn back to its base.
   proc arrowhead {points} {
     upvar 1 $points line
-    lassign [::tamselbrowser::view::picture::arrowhead 1.0] neck length half
+    lassign [view::picture::arrowhead 1.0] neck length half
     lassign [lrange $line end-3 end] from_x from_y x y
     set distance [expr {max(0.01, hypot($x - $from_x, $y - $from_y))}]
     set ux [expr {($x - $from_x) / $distance}]
@@ -45,14 +47,16 @@ namespace eval ::tamselbrowser::export {
     }
     set dash [$canvas itemcget $item -dash]
     set dash [expr {$dash eq "" ? "" : " stroke-dasharray=\"$dash\""}]
-    return "<path d=\"[path $points [expr {[$canvas itemcget $item -smooth] ne "0"}]]\" fill=\"none\"\
+    set is_smooth [expr {[$canvas itemcget $item -smooth] ne "0"}]
+    return "<path d=\"[path $points $is_smooth]\" fill=\"none\"\
       stroke=\"$colour\" stroke-width=\"[$canvas itemcget $item -width]\"$dash/>$head"
   }
 
   proc svg_polygon {canvas item scale} {
     set points [unscaled [$canvas coords $item] $scale]
     return "<path d=\"[path $points 1] Z\" fill=\"[$canvas itemcget $item -fill]\"\
-      stroke=\"[$canvas itemcget $item -outline]\" stroke-width=\"[$canvas itemcget $item -width]\"/>"
+      stroke=\"[$canvas itemcget $item -outline]\"\
+      stroke-width=\"[$canvas itemcget $item -width]\"/>"
   }
 
   proc svg_text {canvas item scale} {
@@ -107,8 +111,8 @@ namespace eval ::tamselbrowser::export {
       set tag box:[dict get $number_of $name]
       lassign [dict get $texts $name] title detail
       lappend lines [format {  "%s" [pos="%s!" width=%.3f height=%.3f fillcolor="%s" color="%s"\
-        label=<<FONT COLOR="%s">%s</FONT><BR ALIGN="LEFT"/><FONT POINT-SIZE="11" COLOR="%s">%s</FONT><BR\
-        ALIGN="LEFT"/>>]} $name \
+        label=<<FONT COLOR="%s">%s</FONT><BR ALIGN="LEFT"/>\
+        <FONT POINT-SIZE="11" COLOR="%s">%s</FONT><BR ALIGN="LEFT"/>>]} $name \
         [graphviz_point [expr {($left + $right) / 2}] [expr {($top + $bottom) / 2}]] \
         [expr {($right - $left) / 72.0}] [expr {($bottom - $top) / 72.0}] \
         [$canvas itemcget $tag:shape -fill] [$canvas itemcget $tag:shape -outline] \
@@ -118,7 +122,7 @@ namespace eval ::tamselbrowser::export {
     set number 0
     foreach wire $wires {
       lassign $wire from to delayed points
-      if {$points eq ""} {set points [::tamselbrowser::view::graph::loop [dict get $places $to]]}
+      if {$points eq ""} {set points [view::graph::loop [dict get $places $to]]}
       set tip [graphviz_point {*}[lrange $points end-1 end]]
       arrowhead points
       set curve [lmap {x y} $points {graphviz_point $x $y}]

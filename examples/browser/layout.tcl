@@ -5,6 +5,8 @@
 # like a very thin box, so that they do not run through the others.
 
 namespace eval ::tamselbrowser::layout {
+  namespace path ::tamselbrowser
+
   variable gap_across 16   ;# between two boxes of a layer
   variable thin_gap 7      ;# about a passing wire
   variable gap_along 34    ;# between two layers, at least
@@ -68,7 +70,7 @@ namespace eval ::tamselbrowser::layout {
   }
 
   # The edges that may decide on the layers: without those that close a cycle. Of a cycle all
-  # delayed edges are left out; of one that has none, the edges that a depth-first search finds last.
+  # delayed edges are left out; of one that has none, those that a depth-first search finds last.
   proc forward_edges {vertices edges} {
     set component [components $vertices [successors $vertices $edges]]
     set kept {}
@@ -214,7 +216,7 @@ namespace eval ::tamselbrowser::layout {
         set step [expr {1.0 / ([llength $column] + 1)}]
         set place 0
         foreach vertex $column {dict set position $vertex [set place [expr {$place + $step}]]}
-        ::tamselbrowser::work::pause $round $rounds
+        work::pause $round $rounds
       }
     }
     return $columns
@@ -260,7 +262,7 @@ namespace eval ::tamselbrowser::layout {
           # Whole pixels: a wire that is nearly level looks broken.
           dict set middle $vertex [expr {round($y)}]
         }
-        ::tamselbrowser::work::pause $i [llength $columns]
+        work::pause $i [llength $columns]
       }
     }
     return $middle
@@ -302,12 +304,12 @@ namespace eval ::tamselbrowser::layout {
   proc curve {start end places spans is_back} {
     set points $start
     if {$is_back} {
-      set number 0
       foreach place $places {
         lassign $place layer y
         lassign [lindex $spans $layer] left right
-        set points [expr {[incr number] == 1 ? [turn $points $right $y 1] : [bend $points $right $y]}]
-        set points [bend $points $left $y]
+        set way [expr {$place eq [lindex $places 0] ? [list turn $points $right $y 1]
+          : [list bend $points $right $y]}]
+        set points [bend [{*}$way] $left $y]
       }
       return [turn $points {*}$end -1]
     }
@@ -319,7 +321,7 @@ namespace eval ::tamselbrowser::layout {
     bend $points {*}$end
   }
 
-  # Places a picture. `boxes` is name -> {WIDTH HEIGHT}, `edges` a list of {FROM TO DELAYED}, without
+  # Places a picture. `boxes` is name -> {WIDTH HEIGHT}, `edges` a list of {FROM TO DELAYED} without
   # doubles. Returns {PLACES WIRES}: name -> {LEFT TOP RIGHT BOTTOM}, and a list of
   # {FROM TO DELAYED POINTS}; the wire of a name to itself has no points. A task.
   proc place {boxes edges} {

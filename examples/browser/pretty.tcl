@@ -116,6 +116,7 @@ namespace eval ::tamselbrowser::pretty {
   # The same for an equation.
   proc equation {text} {
     set split [string first = $text]
-    return "[string trim [string range $text 0 $split-1]] = [expression [string range $text $split+1 end]]"
+    set names [string trim [string range $text 0 $split-1]]
+    return "$names = [expression [string range $text $split+1 end]]"
   }
 }

@@ -6,9 +6,11 @@
 # the order of declaration, and what quarel::read adds.
 
 namespace eval ::tamselbrowser::program {
+  namespace path ::tamselbrowser
+
   variable count 0   ;# programs opened so far
   variable order {}  ;# identifiers of those that are open, in the order of opening
-  variable attribute ;# "ID file", "ID object" (command, without its namespace), "ID stamp", "ID read"
+  variable attribute ;# ID,file; ID,object (its command's last name); ID,stamp; ID,read
   array set attribute {}
   # The library's words for what it counts and asks about.
   variable sections {in input out output loc local}
@@ -59,7 +61,7 @@ namespace eval ::tamselbrowser::program {
 
   # Shows the user a command on the program's object.
   proc say {id args} {
-    ::tamselbrowser::shown::tell command [list [object $id] {*}$args]
+    shown::tell command [list [object $id] {*}$args]
   }
 
   # A name for the object of a file: the file's own where it is no other command's.
@@ -92,22 +94,22 @@ namespace eval ::tamselbrowser::program {
     set name [object_name $file]
     set command [namespace current]::object::$name
     ecprg $command
-    ::tamselbrowser::shown::tell command [list ecprg $name]
-    ::tamselbrowser::shown::tell command [list $name load $file]
+    shown::tell command [list ecprg $name]
+    shown::tell command [list $name load $file]
     set its_stamp [stamp $file]
     try {
       $command load $file
     } on error {result options} {
       rename $command {}
-      ::tamselbrowser::shown::tell command [list rename $name {}]
+      shown::tell command [list rename $name {}]
       return -options $options $result
     }
     set id p[incr count]
     lappend order $id
     array set attribute \
       [list $id,file $file $id,object $name $id,stamp $its_stamp $id,read 0]
-    ::tamselbrowser::files::remember $file
-    ::tamselbrowser::shown::tell opened $id
+    files::remember $file
+    shown::tell opened $id
     return $id
   }
 
@@ -120,12 +122,12 @@ namespace eval ::tamselbrowser::program {
   proc close {id} {
     variable order
     variable attribute
-    ::tamselbrowser::shown::tell command [list rename [object $id] {}]
+    shown::tell command [list rename [object $id] {}]
     rename object::[object $id] {}
     forget_details $id
     set order [lsearch -all -inline -not -exact $order $id]
     array unset attribute $id,*
-    ::tamselbrowser::shown::tell closed $id
+    shown::tell closed $id
   }
 
   # Reads the file again. Fails with the library's error; the program is then as it was.
@@ -149,7 +151,7 @@ namespace eval ::tamselbrowser::program {
     set attribute($id,stamp) [stamp [file_of $id]]
   }
 
-  # Its inputs, outputs, locals, functions and assertions, counted: input, output and so on -> number.
+  # How many inputs, outputs, locals, functions and assertions it has: kind -> number.
   proc counts {id} {
     variable sections
     set counts {}
@@ -173,7 +175,7 @@ namespace eval ::tamselbrowser::program {
         set index($name) $i
         set its_type [call $id $word-type $i]
         set type($name) [expr {$its_type eq "<unamed-type>" ? "?" : $its_type}]
-        ::tamselbrowser::work::pause $i $number
+        work::pause $i $number
       }
     }
   }
@@ -199,9 +201,9 @@ namespace eval ::tamselbrowser::program {
     set done 0
     try {
       read_declarations $id $facts
-      set ${facts}::text [::tamselbrowser::files::captured [list \
+      set ${facts}::text [files::captured [list \
         [namespace current]::call $id dump]]
-      ::tamselbrowser::quarel::read [set ${facts}::text] $facts
+      quarel::read [set ${facts}::text] $facts
       set done 1
     } finally {
       # The program may have been closed meanwhile.

@@ -4,6 +4,8 @@
 # piece is looked at once. No piece is parsed further than to its names: the cost is linear.
 
 namespace eval ::tamselbrowser::quarel {
+  namespace path ::tamselbrowser
+
   variable piece_size 65536  ;# characters that are cut at a time
 
   # How often `character` is in `text`.
@@ -21,8 +23,8 @@ namespace eval ::tamselbrowser::quarel {
     return $needs
   }
 
-  # The declared names of an expression, as a dictionary: name -> 1 if every place where it stands is
-  # below a `pre`, so that only its past is needed, else 0.
+  # The declared names of an expression, as a dictionary: name -> 1 if each of its places is below a
+  # `pre`, so that only its past is needed, else 0.
   proc needs {expression declared} {
     upvar 1 $declared known
     if {![regexp {\mpre\M} $expression]} {
@@ -49,15 +51,15 @@ namespace eval ::tamselbrowser::quarel {
     return $needs
   }
 
-  # Reads one piece of a function's declaration, which has as many as parameters and results; the last
-  # one completes it.
+  # Reads one piece of a function's declaration, which has several; the last one completes it.
   proc read_function {piece line facts} {
     namespace upvar $facts pending pending functions functions line_of line_of
     if {[regexp {^\s*function\s+(\w+)} $piece whole name]} {
       set line_of($name) [expr {$line + [occurrences \n $whole]}]
     }
     append pending $piece ";"
-    if {![regexp {(\w+)\s*\(([^()]*)\)\s*returns\s*\(([^()]*)\)} $pending -> name parameters results]} return
+    if {![regexp {(\w+)\s*\(([^()]*)\)\s*returns\s*\(([^()]*)\)} $pending \
+        -> name parameters results]} return
     set pending ""
     foreach part {parameters results} {
       set $part [lmap {_ type} [regexp -all -inline {:\s*([\w?]+)} [set $part]] {set type}]
@@ -65,8 +67,8 @@ namespace eval ::tamselbrowser::quarel {
     lappend functions [list $name [string trim "$parameters : $results"]]
   }
 
-  # Reads one piece of what stands before `let`, which begins in `line`. `section` is the word that the
-  # present section began with, and is kept up to date.
+  # Reads one piece of what stands before `let`, which begins in `line`. `section`, a variable, is the
+  # word that the present section began with, and is kept up to date.
   proc read_declaration {piece line facts section} {
     upvar 1 $section current
     namespace upvar $facts kind kind type type clock clock line_of line_of
@@ -153,7 +155,7 @@ namespace eval ::tamselbrowser::quarel {
         }
         incr line [occurrences \n $piece]
         incr place [expr {[string length $piece] + 1}]
-        ::tamselbrowser::work::pause $place $size
+        work::pause $place $size
       }
     }
   }

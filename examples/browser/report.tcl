@@ -1,6 +1,8 @@
 # report.tcl: says what went wrong, and where, to the user.
 
 namespace eval ::tamselbrowser::report {
+  namespace path ::tamselbrowser
+
   variable most_shown 20  ;# failures in one dialog
 
   # The message of an error: of the library's without the call that it names.
@@ -26,7 +28,7 @@ namespace eval ::tamselbrowser::report {
   # Line `line` of a file, shortened; "" where it cannot be read.
   proc line_of {file line} {
     try {
-      set found [lindex [split [::tamselbrowser::files::contents $file] \n] $line-1]
+      set found [lindex [split [files::contents $file] \n] $line-1]
       return [string range [string trim $found] 0 100]
     } on error {} {
       return ""
@@ -52,14 +54,14 @@ namespace eval ::tamselbrowser::report {
     set more [expr {[llength $failures] - $most_shown}]
     if {$more > 0} {lappend texts "and $more more"}
     destroy .error
-    toplevel .error -background [::tamselbrowser::style::colour frame] -padx 18 -pady 14
+    toplevel .error -background [style::colour frame] -padx 18 -pady 14
     wm title .error "Tamsel"
     wm transient .error .
     ttk::label .error.action -text $action -style Title.TLabel -wraplength 560 -justify left
-    set text [::tamselbrowser::style::scrolled .error.what \
+    set text [style::scrolled .error.what \
       [list text -width 72 -height 6 -wrap word -relief flat -padx 10 -pady 8 \
-        -font TkDefaultFont -background [::tamselbrowser::style::colour paper] \
-        -foreground [::tamselbrowser::style::colour ink]] y]
+        -font TkDefaultFont -background [style::colour paper] \
+        -foreground [style::colour ink]] y]
     $text insert end [join $texts \n\n]
     # As high as it needs to be, within reason.
     $text configure -state disabled \
@@ -74,8 +76,9 @@ namespace eval ::tamselbrowser::report {
     bind .error <Escape> {destroy .error}
     # Over the main window, also where no window manager places it.
     update idletasks
-    wm geometry .error +[expr {[winfo rootx .] + max(0, [winfo width .] - [winfo reqwidth .error]) / 2}]+[expr {
-      [winfo rooty .] + max(0, [winfo height .] - [winfo reqheight .error]) / 3}]
+    set x [expr {[winfo rootx .] + max(0, [winfo width .] - [winfo reqwidth .error]) / 2}]
+    set y [expr {[winfo rooty .] + max(0, [winfo height .] - [winfo reqheight .error]) / 3}]
+    wm geometry .error +$x+$y
     focus .error.close
   }
 

@@ -2,8 +2,8 @@
 # screenshots.sh [FOLDER]: makes the pictures of the browser for the manual, in doc/pictures unless
 # told otherwise.
 #
-# Needs a built library (run.sh builds it) and the packages of section [pictures]. The window is that
-# of a server of its own, so the pictures are the same everywhere where the fonts are.
+# Needs a built library (run.sh builds it). The window is that of a server of its own, so that the
+# pictures are the same wherever the fonts are.
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -11,15 +11,16 @@ root=$(cd "$here/../.." && pwd)
 folder=$(realpath -m "${1:-$root/doc/pictures}")
 "$root/scripts/setup.sh" build pictures
 mkdir -p "$folder"
+scratch=$(mktemp -d)
+trap 'rm -r "$scratch"' EXIT
 # The paths in the pictures are to be short.
 cd "$root/examples"
 
 # Shows programs, runs a script, and takes the picture of the whole screen.
 shoot() {  # NAME SCRIPT FILE...
-  local shot
-  shot=$(mktemp --suffix=.png)
-  XDG_STATE_HOME=$(dirname "$shot") xvfb-run -a -s "-screen 0 1280x800x24 -dpi 96" tclsh8.6 /dev/stdin "$here" "$shot" \
-    "${@:2}" <<'TCL'
+  local shot=$scratch/shot.png
+  XDG_STATE_HOME=$scratch xvfb-run -a -s "-screen 0 1280x800x24 -dpi 96" \
+    tclsh8.6 /dev/stdin "$here" "$shot" "${@:2}" <<'TCL'
 set files [lassign $argv here shot script]
 source -encoding utf-8 [file join $here start.tcl]
 proc settle {} {
@@ -39,7 +40,6 @@ exit
 TCL
   convert "$shot" -strip -define png:compression-level=9 -define png:exclude-chunks=date,time \
     "$folder/$1.png"
-  rm "$shot"
   echo "$folder/$1.png"
 }
 

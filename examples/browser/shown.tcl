@@ -2,15 +2,17 @@
 #
 # Views do not know one another. They listen to events, with a command that gets the event's words:
 #   opened ID, closed ID       a program came, went
-#   program ID                 the current program is known now, also when it was read anew; "": there is none
+#   program ID                 the current program is known now, also when read anew; "": there is none
 #   kind KIND                  the table is to show input, output, local, function or "" (all) alone
-#   name NAME ORIGIN           another name of it is chosen; NAME may be ""; ORIGIN is the view it was chosen in
+#   name NAME ORIGIN           another name of it is chosen, or none (""); ORIGIN: in which view
 #   command TEXT               a Tcl command that does what the user just did
 #   progress TITLE FRACTION    how far the long work is; TITLE is "" when there is none
 #   status TEXT                something to say in passing
 #   failed ACTION FAILURES     what failed, a list of {FILE RESULT OPTIONS}
 
 namespace eval ::tamselbrowser::shown {
+  namespace path ::tamselbrowser
+
   variable listeners {}  ;# event -> list of commands
   variable program ""    ;# identifier of the current program
   variable name ""       ;# the chosen name
@@ -36,22 +38,22 @@ namespace eval ::tamselbrowser::shown {
     return $name
   }
 
-  # Chooses a name of the current program; any other text is passed over. `origin` is the view in which
+  # Chooses a name of the current program; any other text is passed over. `origin` is the view where
   # it was done.
   proc choose {new {origin ""}} {
     variable program
     variable name
-    if {$program eq "" || ![::tamselbrowser::program::declares $program $new]} return
+    if {$program eq "" || ![program::declares $program $new]} return
     set name $new
     tell name $new $origin
   }
 
-  # Tells that the current program has been read. The chosen name stays where it still means something.
+  # Tells that a program has been read. The chosen name stays where it still means something.
   proc program_read {id} {
     variable program
     variable name
     if {$id ne $program} return
-    if {![::tamselbrowser::program::declares $id $name]} {set name ""}
+    if {![program::declares $id $name]} {set name ""}
     tell program $id
     tell name $name ""
   }
@@ -65,18 +67,18 @@ namespace eval ::tamselbrowser::shown {
       set program $id
       set name ""
     }
-    if {$id eq "" || [::tamselbrowser::program::is_read $id]} {
+    if {$id eq "" || [program::is_read $id]} {
       tell program $id
       tell name $name ""
       return
     }
     # What stands in the views is no longer true.
     tell program ""
-    ::tamselbrowser::work::start read "Reading [::tamselbrowser::program::label $id]" \
+    work::start read "Reading [program::label $id]" \
       [namespace code [list read_then_tell $id]]
   }
   proc read_then_tell {id} {
-    ::tamselbrowser::program::read_details $id
+    program::read_details $id
     program_read $id
   }
 }

@@ -15,8 +15,9 @@ Shows EC programs in a window.
   # Sources the other files.
   apply {{folder} {
     foreach name {
-      shown work files quarel pretty program cone layout style report view-picture view-programs view-table
-      view-equation view-symbol view-graph view-source view-expression view-log export window
+      shown work files quarel pretty program cone layout style report view-picture view-programs
+      view-table view-equation view-symbol view-graph view-source view-expression view-log export
+      window
     } {
       uplevel #0 [list source -encoding utf-8 [file join $folder $name.tcl]]
     }
@@ -60,7 +61,8 @@ Shows EC programs in a window.
         default {dict lappend options files $word}
       }
     }
-    if {[dict exists $options show] && ![dict exists $view::graph::scopes [dict get $options show]]} {
+    if {[dict exists $options show]
+        && ![dict exists $view::graph::scopes [dict get $options show]]} {
       error "--show wants one of [join [dict keys $view::graph::scopes] {, }]"
     }
     if {[dict exists $options steps] && ![regexp {^[1-9]\d*$} [dict get $options steps]]} {

@@ -1,6 +1,8 @@
 # view-expression.tcl: a line for an expression, and its type or what is wrong with it as one types.
 
 namespace eval ::tamselbrowser::view::expression {
+  namespace path {::tamselbrowser::view ::tamselbrowser}
+
   variable frame ""
   variable pending ""   ;# the delayed answer
   variable said ""      ;# the expression last shown among the commands
@@ -10,7 +12,7 @@ namespace eval ::tamselbrowser::view::expression {
     variable frame
     variable pending ""
     set expression [string trim [$frame.line get]]
-    set id [::tamselbrowser::shown::program]
+    set id [shown::program]
     if {$expression eq "" || $id eq ""} {
       $frame.answer configure -style Faint.TLabel \
         -text [expr {$expression ne "" ? "open a program first" : ""}]
@@ -18,9 +20,9 @@ namespace eval ::tamselbrowser::view::expression {
     }
     set style Type.TLabel
     try {
-      set text [::tamselbrowser::program::call $id exp-type $expression]
+      set text [program::call $id exp-type $expression]
     } trap TAMSEL {result options} {
-      set text [lindex [::tamselbrowser::report::explain $result \
+      set text [lindex [report::explain $result \
         [dict get $options -errorcode]] 0]
       set style Error.TLabel
       # The parser names so the end of the text.
@@ -38,13 +40,18 @@ namespace eval ::tamselbrowser::view::expression {
     variable said
     if {$said eq [list $id $expression]} return
     set said [list $id $expression]
-    ::tamselbrowser::program::say $id exp-type $expression
+    program::say $id exp-type $expression
   }
 
   proc answer_soon {} {
     variable pending
     after cancel $pending
     set pending [after 250 [namespace code answer]]
+  }
+
+  # Another program is current: what stands in the line may mean something else.
+  proc current {id} {
+    answer_soon
   }
 
   proc create {window} {
@@ -57,6 +64,6 @@ namespace eval ::tamselbrowser::view::expression {
     grid columnconfigure $frame 1 -weight 1
     bind $frame.line <KeyRelease> [namespace code answer_soon]
     bind $frame.line <Return> [namespace code answer]
-    ::tamselbrowser::shown::listen program "[namespace code answer_soon];#"
+    shown::listen program [namespace code current]
   }
 }

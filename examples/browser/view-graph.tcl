@@ -5,6 +5,8 @@
 # name needs and what needs it, near and, paler, far; a double click draws the cone about it.
 
 namespace eval ::tamselbrowser::view::graph {
+  namespace path {::tamselbrowser::view ::tamselbrowser}
+
   variable frame ""
   variable canvas ""
   variable centre ""         ;# the name the cone is about; "" for the whole program
@@ -30,12 +32,12 @@ namespace eval ::tamselbrowser::view::graph {
   # The texts of a box: its name, and its type with the labels; shortened.
   proc box_texts {id name labels} {
     variable widest
-    set detail [::tamselbrowser::program::fact $id type $name]
-    set clock [::tamselbrowser::program::fact $id clock $name]
+    set detail [program::fact $id type $name]
+    set clock [program::fact $id clock $name]
     if {$clock ne ""} {append detail " when $clock"}
     if {$labels ne ""} {append detail "  ← [join $labels {, }]"}
-    list [::tamselbrowser::style::shortened $name tamselbrowser.name $widest] \
-      [::tamselbrowser::style::shortened $detail tamselbrowser.detail $widest]
+    list [style::shortened $name tamselbrowser.name $widest] \
+      [style::shortened $detail tamselbrowser.detail $widest]
   }
 
   # Measures the boxes: name -> {WIDTH HEIGHT}; fills `texts`.
@@ -46,7 +48,8 @@ namespace eval ::tamselbrowser::view::graph {
       + [font metrics tamselbrowser.detail -linespace] + 10}]
     set boxes {}
     foreach name [dict get $picture items] {
-      set labels [expr {[dict exists $picture labels $name] ? [dict get $picture labels $name] : {}}]
+      set labels {}
+      if {[dict exists $picture labels $name]} {set labels [dict get $picture labels $name]}
       set its_texts [box_texts $id $name $labels]
       dict set texts $name $its_texts
       lassign $its_texts title detail
@@ -74,7 +77,7 @@ namespace eval ::tamselbrowser::view::graph {
       lassign $wire from to delayed points
       if {$points eq ""} {set points [loop [dict get $places $to]]}
       $canvas create line {*}$points -smooth raw -arrow last \
-        -arrowshape [::tamselbrowser::view::picture::arrowhead 1.0] \
+        -arrowshape [picture::arrowhead 1.0] \
         -dash [expr {$delayed ? {5 3} : {}}] -tags [list arrow wire:$number]
       incr number
     }
@@ -85,7 +88,7 @@ namespace eval ::tamselbrowser::view::graph {
     variable canvas
     if {$count == 0} return
     $canvas create text $x $y -text +$count -tags stub -anchor $corner \
-      -font tamselbrowser.detail -fill [::tamselbrowser::style::colour faint]
+      -font tamselbrowser.detail -fill [style::colour faint]
   }
 
   proc draw_boxes {} {
@@ -98,7 +101,7 @@ namespace eval ::tamselbrowser::view::graph {
       set tag box:[dict size $number_of]
       dict set number_of $name [dict size $number_of]
       lassign $box left top right bottom
-      ::tamselbrowser::view::picture::box $canvas {*}$box 6 -tags [list box $tag $tag:shape]
+      picture::box $canvas {*}$box 6 -tags [list box $tag $tag:shape]
       lassign [dict get $texts $name] title detail
       set x [expr {$left + 10}]
       $canvas create text $x [expr {$top + 4}] -anchor nw -text $title \
@@ -118,7 +121,7 @@ namespace eval ::tamselbrowser::view::graph {
     set todo [list $name]
     for {set i 0} {$i < [llength $todo]} {incr i} {
       set at [lindex $todo $i]
-      foreach other [dict keys [::tamselbrowser::program::$way $id $at]] {
+      foreach other [dict keys [program::$way $id $at]] {
         if {[dict exists $steps $other] || ![is_drawn $other]} continue
         dict set steps $other [expr {[dict get $steps $at] + 1}]
         lappend todo $other
@@ -154,9 +157,9 @@ namespace eval ::tamselbrowser::view::graph {
     }
     lassign $look fill edge width ink faint
     $canvas itemconfigure box:$number:shape -width $width \
-      -fill [::tamselbrowser::style::colour $fill] -outline [::tamselbrowser::style::colour $edge]
-    $canvas itemconfigure box:$number:title -fill [::tamselbrowser::style::colour $ink]
-    $canvas itemconfigure box:$number:detail -fill [::tamselbrowser::style::colour $faint]
+      -fill [style::colour $fill] -outline [style::colour $edge]
+    $canvas itemconfigure box:$number:title -fill [style::colour $ink]
+    $canvas itemconfigure box:$number:detail -fill [style::colour $faint]
   }
 
   # Gives a wire the look of what it is to the chosen name, "" if none is chosen.
@@ -176,7 +179,7 @@ namespace eval ::tamselbrowser::view::graph {
       set look {using_far 1}
     }
     lassign $look colour width
-    $canvas itemconfigure wire:$number -width $width -fill [::tamselbrowser::style::colour $colour]
+    $canvas itemconfigure wire:$number -width $width -fill [style::colour $colour]
     if {$width > 1} {$canvas raise wire:$number}
   }
 
@@ -185,7 +188,7 @@ namespace eval ::tamselbrowser::view::graph {
     variable canvas
     variable wires
     variable number_of
-    set id [::tamselbrowser::shown::program]
+    set id [shown::program]
     set needed {}
     set using {}
     if {[is_drawn $name]} {
@@ -195,7 +198,7 @@ namespace eval ::tamselbrowser::view::graph {
       set name ""
     }
     dict for {box number} $number_of {
-      colour_box $number [::tamselbrowser::program::fact $id kind $box] \
+      colour_box $number [program::fact $id kind $box] \
         [role $box $name $needed $using]
     }
     set number 0
@@ -213,13 +216,13 @@ namespace eval ::tamselbrowser::view::graph {
     variable centre
     variable picture
     set shown [llength [dict get $picture items]]
-    set all [llength [::tamselbrowser::program::details $id names]]
+    set all [llength [program::details $id names]]
     set text [expr {$shown == $all ? "all $all names" : "$shown of $all names"}]
     if {$shown >= $::tamselbrowser::cone::most_items && $shown < $all} {
       append text [expr {$centre eq "" ? ", outputs first" : ", the nearest"}]
     }
     $frame.bar.caption configure -text $text
-    $frame.bar.centre configure -text [expr {$centre eq "" ? "" : "of [::tamselbrowser::style::shortened \
+    $frame.bar.centre configure -text [expr {$centre eq "" ? "" : "of [style::shortened \
       $centre tamselbrowser.bold 170]"}]
   }
 
@@ -230,16 +233,16 @@ namespace eval ::tamselbrowser::view::graph {
     variable wanted
     variable depth
     variable small
-    set names [::tamselbrowser::program::details $id names]
+    set names [program::details $id names]
     set centre ""
     if {$wanted ne "whole"} {
-      set centre [::tamselbrowser::shown::name]
+      set centre [shown::name]
       if {$centre eq "" && [llength $names] > $small} {
-        set centre [lindex [::tamselbrowser::program::names_of $id output] 0]
+        set centre [lindex [program::names_of $id output] 0]
       }
     }
-    if {$centre eq ""} {return [::tamselbrowser::cone::whole $id]}
-    ::tamselbrowser::cone::about $id $centre $depth \
+    if {$centre eq ""} {return [cone::whole $id]}
+    cone::about $id $centre $depth \
       [dict get {both {back forth} back back forth forth} $wanted]
   }
 
@@ -249,10 +252,10 @@ namespace eval ::tamselbrowser::view::graph {
     variable number_of
     variable centre
     set tag all
-    foreach name [list $centre [::tamselbrowser::shown::name]] {
+    foreach name [list $centre [shown::name]] {
       if {[dict exists $number_of $name]} {set tag box:[dict get $number_of $name]}
     }
-    ::tamselbrowser::view::picture::fit $canvas 1.0 $tag 0.6
+    picture::fit $canvas 1.0 $tag 0.6
   }
 
   # Draws the picture of a program. A task.
@@ -262,19 +265,19 @@ namespace eval ::tamselbrowser::view::graph {
     variable picture
     variable places
     variable wires
-    set new [::tamselbrowser::cone::picture $id [items $id] $centre]
-    ::tamselbrowser::view::picture::reset $canvas
+    set new [cone::picture $id [items $id] $centre]
+    picture::reset $canvas
     set places {}
     set wires {}
     set picture $new
-    lassign [::tamselbrowser::layout::place [measure $id] [dict get $picture edges]] \
+    lassign [layout::place [measure $id] [dict get $picture edges]] \
       new_places new_wires
     set places $new_places
     set wires $new_wires
     draw_wires
     draw_boxes
     caption $id
-    colour [::tamselbrowser::shown::name]
+    colour [shown::name]
     fit
   }
 
@@ -286,10 +289,10 @@ namespace eval ::tamselbrowser::view::graph {
   }
   proc draw_now {} {
     variable is_due
-    set id [::tamselbrowser::shown::program]
-    if {!$is_due || $id eq "" || ![::tamselbrowser::program::is_read $id]} return
+    set id [shown::program]
+    if {!$is_due || $id eq "" || ![program::is_read $id]} return
     set is_due 0
-    ::tamselbrowser::work::start graph "Drawing [::tamselbrowser::program::label $id]" \
+    work::start graph "Drawing [program::label $id]" \
       [namespace code [list draw $id]]
   }
 
@@ -300,13 +303,13 @@ namespace eval ::tamselbrowser::view::graph {
     variable places {}
     variable wires {}
     variable number_of {}
-    ::tamselbrowser::view::picture::reset $canvas
+    picture::reset $canvas
     $frame.bar.caption configure -text ""
     $frame.bar.centre configure -text ""
-    if {[::tamselbrowser::program::all] eq ""} {
+    if {[program::all] eq ""} {
       $canvas create text 0 0 -text "Open an EC program: File, Open… or Ctrl+O" \
-        -font tamselbrowser.heading -fill [::tamselbrowser::style::colour faint]
-      ::tamselbrowser::view::picture::fit $canvas
+        -font tamselbrowser.heading -fill [style::colour faint]
+      picture::fit $canvas
     }
   }
 
@@ -357,11 +360,11 @@ namespace eval ::tamselbrowser::view::graph {
   }
   proc clicked {} {
     set name [pointed]
-    if {$name in [list "" [::tamselbrowser::shown::name]]} return
-    set id [::tamselbrowser::shown::program]
-    ::tamselbrowser::view::log::name $id $name
-    ::tamselbrowser::view::log::neighbours $id $name
-    ::tamselbrowser::shown::choose $name graph
+    if {$name in [list "" [shown::name]]} return
+    set id [shown::program]
+    log::name $id $name
+    log::neighbours $id $name
+    shown::choose $name graph
   }
   proc double_clicked {} {
     variable wanted
@@ -379,7 +382,7 @@ namespace eval ::tamselbrowser::view::graph {
     ttk::label $bar.steps -text "Steps" -style Paper.TLabel
     ttk::spinbox $bar.depth -from 1 -to 99 -width 3 -command [namespace code depth_picked]
     $bar.depth set $depth
-    ttk::label $bar.caption -style Paper.TLabel -foreground [::tamselbrowser::style::colour faint]
+    ttk::label $bar.caption -style Paper.TLabel -foreground [style::colour faint]
     ttk::button $bar.fit -text "Fit" -command [namespace code fit]
     ttk::menubutton $bar.export -text "Export" -menu $bar.export.menu
     menu $bar.export.menu -tearoff 0
@@ -403,15 +406,15 @@ namespace eval ::tamselbrowser::view::graph {
       needed "is needed"  using "needs it"
     } {
       set mark $legend.[incr number]
-      frame $mark -width 11 -height 11 -background [::tamselbrowser::style::colour $colour]
+      frame $mark -width 11 -height 11 -background [style::colour $colour]
       ttk::label $mark-text -text $text -style Paper.TLabel -font tamselbrowser.small \
-        -foreground [::tamselbrowser::style::colour faint]
+        -foreground [style::colour faint]
       pack $mark -side left -padx {0 5}
       pack $mark-text -side left -padx {0 14}
     }
     ttk::label $legend.more -style Paper.TLabel -font tamselbrowser.small -text \
       "dashed: through pre     ← instead of wires     +3 not drawn" \
-      -foreground [::tamselbrowser::style::colour faint]
+      -foreground [style::colour faint]
     pack $legend.more -side left
   }
 
@@ -422,14 +425,14 @@ namespace eval ::tamselbrowser::view::graph {
     ttk::frame $frame -style Paper.TFrame
     create_bar $frame.bar
     create_legend $frame.legend
-    ::tamselbrowser::view::picture::create $canvas [namespace code clicked]
+    picture::create $canvas [namespace code clicked]
     bind $canvas <Double-Button-1> [namespace code double_clicked]
     bind $canvas <Map> +[namespace code draw_now]
     pack $frame.bar -fill x
     pack $frame.legend -side bottom -fill x
     pack $canvas -fill both -expand 1
     want $wanted
-    ::tamselbrowser::shown::listen program [namespace code current]
-    ::tamselbrowser::shown::listen name [namespace code show_chosen]
+    shown::listen program [namespace code current]
+    shown::listen name [namespace code show_chosen]
   }
 }

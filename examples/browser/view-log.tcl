@@ -1,9 +1,11 @@
 # view-log.tcl: the commands that do in a Tcl shell what the user does in the window.
 #
-# For what is no single operation the needed procedure is shown first, once; the lines can be pasted as they
-# stand into a shell that has loaded the library.
+# For what is no single operation the needed procedure is shown first, once; the lines can be pasted
+# as they stand into a shell that has loaded the library.
 
 namespace eval ::tamselbrowser::view::log {
+  namespace path {::tamselbrowser::view ::tamselbrowser}
+
   variable frame ""
   variable text ""
   variable defined {}   ;# the helpers that stand in the log
@@ -69,21 +71,21 @@ namespace eval ::tamselbrowser::view::log {
 
   # What asks for a name: its type, and its equation where it has one.
   proc name {id name} {
-    set kind [::tamselbrowser::program::fact $id kind $name]
+    set kind [program::fact $id kind $name]
     foreach {word its_kind} $::tamselbrowser::program::sections {
       if {$its_kind eq $kind} {
-        ::tamselbrowser::program::say $id $word-type [::tamselbrowser::program::fact $id index $name]
+        program::say $id $word-type [program::fact $id index $name]
       }
     }
-    if {[::tamselbrowser::program::fact $id defined $name] ne ""} {
-      say_with {dumped equation} [list equation [::tamselbrowser::program::object $id] $name]
+    if {[program::fact $id defined $name] ne ""} {
+      say_with {dumped equation} [list equation [program::object $id] $name]
     }
   }
 
   # What lists what a name needs, and what needs it.
   proc neighbours {id name} {
-    set object [::tamselbrowser::program::object $id]
-    if {[::tamselbrowser::program::fact $id defined $name] ne ""} {
+    set object [program::object $id]
+    if {[program::fact $id defined $name] ne ""} {
       say_with {dumped equation names needs} [list needs $object $name]
     }
     say_with {dumped users} [list users $object $name]
@@ -94,7 +96,7 @@ namespace eval ::tamselbrowser::view::log {
     if {$pattern eq ""} return
     if {![regexp {[*?\[]} $pattern]} {set pattern *$pattern*}
     say_with names "lsearch -all -inline -glob -nocase \[names\
-      [::tamselbrowser::program::object $id]\] [list $pattern]"
+      [program::object $id]\] [list $pattern]"
   }
 
   proc contents {} {
@@ -104,7 +106,7 @@ namespace eval ::tamselbrowser::view::log {
   proc copy {} {
     clipboard clear
     clipboard append [contents]
-    ::tamselbrowser::shown::tell status "The commands are on the clipboard."
+    shown::tell status "The commands are on the clipboard."
   }
   proc clear {} {
     variable text
@@ -123,14 +125,14 @@ namespace eval ::tamselbrowser::view::log {
     ttk::label $frame.bar.label -text "The same in Tcl" -style Faint.TLabel
     ttk::button $frame.bar.copy -text "Copy" -command [namespace code copy]
     ttk::button $frame.bar.clear -text "Clear" -command [namespace code clear]
-    set text [::tamselbrowser::style::scrolled $frame.lines {text -height 4 -wrap none -relief flat \
+    set text [style::scrolled $frame.lines {text -height 4 -wrap none -relief flat \
       -borderwidth 0 -highlightthickness 0 -padx 8 -pady 4 -font tamselbrowser.code -state disabled} y]
-    $text configure -background [::tamselbrowser::style::colour paper] \
-      -foreground [::tamselbrowser::style::colour ink]
+    $text configure -background [style::colour paper] \
+      -foreground [style::colour ink]
     pack $frame.bar -fill x -pady {0 4}
     pack $frame.bar.label -side left
     pack $frame.bar.clear $frame.bar.copy -side right -padx {6 0}
     pack $frame.lines -fill both -expand 1
-    ::tamselbrowser::shown::listen command [namespace code say]
+    shown::listen command [namespace code say]
   }
 }

@@ -3,10 +3,13 @@
 # Texts keep their size when a canvas is scaled, so the fonts of pictures are scaled along.
 
 namespace eval ::tamselbrowser::view::picture {
+  namespace path {::tamselbrowser::view ::tamselbrowser}
+
   variable scale     ;# canvas -> how much larger than drawn it is shown
   array set scale {}
   variable waiting   ;# canvas -> what is to be done when it comes into sight
   array set waiting {}
+  variable margin 14 ;# about what fits into the window
   variable pressed {0 0}
   variable dragged 0
   variable fonts {}  ;# font -> pixels at scale 1
@@ -17,14 +20,16 @@ namespace eval ::tamselbrowser::view::picture {
     foreach {name from options} {
       name TkDefaultFont {}  detail TkDefaultFont {}  heading TkDefaultFont {-weight bold}
     } size {13 11 15} {
-      ::tamselbrowser::style::derive $name $from {*}$options -size -$size
+      style::derive $name $from {*}$options -size -$size
       dict set fonts tamselbrowser.$name $size
     }
   }
 
   proc show_fonts {factor} {
     variable fonts
-    dict for {font size} $fonts {font configure $font -size [expr {-max(1, round($size * $factor))}]}
+    dict for {font size} $fonts {
+      font configure $font -size [expr {-max(1, round($size * $factor))}]
+    }
   }
 
   # The shape of an arrowhead at a scale.
@@ -55,11 +60,10 @@ namespace eval ::tamselbrowser::view::picture {
     show_fonts 1.0
   }
 
-  # Where something from `low` to `high` is to move to in a window of `size`, if `focus` is to come
-  # into its middle: what is smaller than the window stands in the middle, what is larger leaves no
-  # blank at its ends.
+  # How far something that reaches from `low` to `high` is to move in a window of `size`: what is
+  # smaller comes to the middle, what is larger has `focus` there but leaves no blank at its ends.
   proc shift {low high focus size} {
-    set margin 14
+    variable margin
     if {$high - $low <= $size - 2 * $margin} {return [expr {($size - $low - $high) / 2.0}]}
     expr {max($size - $margin - $high, min($margin - $low, $size / 2.0 - $focus))}
   }
@@ -69,6 +73,7 @@ namespace eval ::tamselbrowser::view::picture {
   proc fit {canvas {largest 1.0} {focus all} {smallest 0.08}} {
     variable scale
     variable waiting
+    variable margin
     set waiting($canvas) [list fit $canvas $largest $focus $smallest]
     set box [$canvas bbox all]
     if {$box eq "" || ![winfo viewable $canvas]} return
@@ -81,12 +86,15 @@ namespace eval ::tamselbrowser::view::picture {
     set origin_y [$canvas canvasy 0]
     lassign [lmap x [list {*}$box {*}[$canvas bbox $focus]] \
       origin [lrepeat 4 $origin_x $origin_y] {expr {$x - $origin}}] x1 y1 x2 y2 fx1 fy1 fx2 fy2
-    set factor [expr {min(($width - 30.0) / max(1, $x2 - $x1), ($height - 30.0) / max(1, $y2 - $y1))}]
-    set factor [expr {min($largest, max($smallest, $factor * $scale($canvas))) / $scale($canvas)}]
+    # A pixel more on each side, as the sizes of fonts are whole.
+    set room [expr {2.0 * ($margin + 1)}]
+    set factor [expr {min(($width - $room) / max(1, $x2 - $x1), ($height - $room) / max(1, $y2 - $y1))}]
+    set wanted [expr {min($largest, max($smallest, $factor * $scale($canvas)))}]
+    set factor [expr {$wanted / $scale($canvas)}]
     zoom $canvas $factor 0 0
     $canvas move all \
-      [shift [expr {$factor * $x1}] [expr {$factor * $x2}] [expr {$factor * ($fx1 + $fx2) / 2}] $width] \
-      [shift [expr {$factor * $y1}] [expr {$factor * $y2}] [expr {$factor * ($fy1 + $fy2) / 2}] $height]
+      [shift {*}[lmap x [list $x1 $x2 [expr {($fx1 + $fx2) / 2}]] {expr {$factor * $x}}] $width] \
+      [shift {*}[lmap y [list $y1 $y2 [expr {($fy1 + $fy2) / 2}]] {expr {$factor * $y}}] $height]
   }
 
   # A canvas came into sight: its fonts are shown, and what waited is done.
@@ -139,7 +147,7 @@ namespace eval ::tamselbrowser::view::picture {
   # Makes a canvas that zooms with the wheel, drags with the mouse and calls `clicked` at a click.
   proc create {canvas clicked} {
     variable scale
-    canvas $canvas -background [::tamselbrowser::style::colour paper] -highlightthickness 0 \
+    canvas $canvas -background [style::colour paper] -highlightthickness 0 \
       -xscrollincrement 1 -yscrollincrement 1 -width 200 -height 200
     set scale($canvas) 1.0
     bind $canvas <ButtonPress-1> [namespace code {press %W %x %y}]

@@ -1,6 +1,8 @@
 # view-programs.tcl: the tree of programs, with the kinds of names in each.
 
 namespace eval ::tamselbrowser::view::programs {
+  namespace path {::tamselbrowser::view ::tamselbrowser}
+
   variable tree ""
   # Kind, its word in the tree, the library's operation that counts it.
   variable kinds {
@@ -12,8 +14,8 @@ namespace eval ::tamselbrowser::view::programs {
   proc fill {id} {
     variable tree
     variable kinds
-    $tree item $id -text [::tamselbrowser::program::label $id]
-    set counts [::tamselbrowser::program::counts $id]
+    $tree item $id -text [program::label $id]
+    set counts [program::counts $id]
     foreach {kind word _} $kinds {
       if {![$tree exists $id/$kind]} {$tree insert $id end -id $id/$kind -text $word}
       $tree item $id/$kind -values [list [dict get $counts $kind]]
@@ -22,7 +24,7 @@ namespace eval ::tamselbrowser::view::programs {
 
   proc opened {id} {
     variable tree
-    $tree insert {} end -id $id -open [expr {[llength [::tamselbrowser::program::all]] == 1}]
+    $tree insert {} end -id $id -open [expr {[llength [program::all]] == 1}]
     fill $id
   }
 
@@ -48,28 +50,28 @@ namespace eval ::tamselbrowser::view::programs {
     if {$row eq ""} return
     lassign [split $row /] id kind
     # One whose reading was stopped may be chosen again.
-    if {$id ne [::tamselbrowser::shown::program]
-        || (![::tamselbrowser::program::is_read $id] && ![::tamselbrowser::work::is_busy])} {
-      ::tamselbrowser::shown::select $id
+    if {$id ne [shown::program]
+        || (![program::is_read $id] && ![work::is_busy])} {
+      shown::select $id
     }
     if {$kind eq ""} {
-      ::tamselbrowser::program::say $id profile
+      program::say $id profile
     } else {
       foreach {its_kind _ operation} $kinds {
-        if {$its_kind eq $kind} {::tamselbrowser::program::say $id $operation}
+        if {$its_kind eq $kind} {program::say $id $operation}
       }
     }
-    ::tamselbrowser::shown::tell kind [expr {$kind eq "assertion" ? "" : $kind}]
+    shown::tell kind [expr {$kind eq "assertion" ? "" : $kind}]
   }
 
   proc create {frame} {
-    variable tree [::tamselbrowser::style::scrolled $frame \
+    variable tree [style::scrolled $frame \
       {ttk::treeview -columns count -show tree -selectmode browse -height 7} y]
     $tree column #0 -width 260
     $tree column count -width 70 -anchor e -stretch 0
     bind $tree <<TreeviewSelect>> [namespace code chosen]
     foreach {event command} {opened opened closed closed program current} {
-      ::tamselbrowser::shown::listen $event [namespace code $command]
+      shown::listen $event [namespace code $command]
     }
   }
 }

@@ -4,6 +4,8 @@
 # in. A click on a name shows its equation and chooses it.
 
 namespace eval ::tamselbrowser::view::source {
+  namespace path {::tamselbrowser::view ::tamselbrowser}
+
   variable frame ""
   variable text ""
   variable shows quarel     ;# or "file"
@@ -18,7 +20,7 @@ namespace eval ::tamselbrowser::view::source {
   # Gives a text widget the tags of words.
   proc make_tags {widget} {
     foreach tag {keyword number comment} {
-      $widget tag configure $tag -foreground [::tamselbrowser::style::colour $tag]
+      $widget tag configure $tag -foreground [style::colour $tag]
     }
   }
 
@@ -29,8 +31,12 @@ namespace eval ::tamselbrowser::view::source {
     foreach place [regexp -all -inline -indices {\m[\w.]+} $words] {
       lassign $place start end
       set word [string range $words $start $end]
-      set tag [expr {[string match {[0-9]*} $word] ? "number" : $word in $keywords ? "keyword" : ""}]
-      if {$tag ne ""} {$widget tag add $tag $line.$start $line.[incr end]}
+      incr end
+      if {[string match {[0-9]*} $word]} {
+        $widget tag add number $line.$start $line.$end
+      } elseif {$word in $keywords} {
+        $widget tag add keyword $line.$start $line.$end
+      }
     }
   }
 
@@ -47,8 +53,8 @@ namespace eval ::tamselbrowser::view::source {
     }
   }
 
-  # The comments of a piece of text as a list of {START END}, characters from 0. `is_open`, a variable,
-  # says whether the piece begins inside a block, and then whether it ends inside one.
+  # The comments of a piece of text as a list of {START END}, characters from 0. `is_open`, a
+  # variable, says whether the piece begins inside a block, and then whether it ends inside one.
   proc comments {piece is_open} {
     upvar 1 $is_open open
     # As if the block began here.
@@ -92,17 +98,17 @@ namespace eval ::tamselbrowser::view::source {
         lassign $place first last
         $text tag add comment "$at + $first chars" "$at + $last chars + 1 chars"
       }
-      ::tamselbrowser::work::pause $start $size
+      work::pause $start $size
     }
     colour_visible
-    show_chosen [::tamselbrowser::shown::name]
+    show_chosen [shown::name]
   }
 
   # The text that is to be seen of a program.
   proc content {id} {
     variable shows
-    if {$shows eq "quarel"} {return [::tamselbrowser::program::details $id text]}
-    string map {\r\n \n} [::tamselbrowser::files::contents [::tamselbrowser::program::file_of $id]]
+    if {$shows eq "quarel"} {return [program::details $id text]}
+    string map {\r\n \n} [files::contents [program::file_of $id]]
   }
 
   # Shows the present program's text soon, or when the view comes into sight.
@@ -114,11 +120,11 @@ namespace eval ::tamselbrowser::view::source {
   proc show_now {} {
     variable is_due
     variable shows
-    set id [::tamselbrowser::shown::program]
-    if {!$is_due || $id eq "" || ![::tamselbrowser::program::is_read $id]} return
+    set id [shown::program]
+    if {!$is_due || $id eq "" || ![program::is_read $id]} return
     set is_due 0
-    if {$shows eq "quarel"} {::tamselbrowser::program::say $id dump}
-    ::tamselbrowser::work::start source "Showing [::tamselbrowser::program::label $id]" \
+    if {$shows eq "quarel"} {program::say $id dump}
+    work::start source "Showing [program::label $id]" \
       [namespace code [list put [content $id]]]
   }
   proc current {id} {
@@ -133,10 +139,10 @@ namespace eval ::tamselbrowser::view::source {
   proc line_of {name} {
     variable text
     variable shows
-    set id [::tamselbrowser::shown::program]
+    set id [shown::program]
     if {$id eq "" || $name eq ""} {return 0}
     if {$shows eq "quarel"} {
-      set line [::tamselbrowser::program::fact $id line_of $name]
+      set line [program::fact $id line_of $name]
       return [expr {$line eq "" ? 0 : $line}]
     }
     # An equation, alone or in a tuple; else the first place.
@@ -169,13 +175,13 @@ namespace eval ::tamselbrowser::view::source {
     variable frame
     if {[$text tag ranges sel] ne ""} return
     set name [$text get "@$x,$y wordstart" "@$x,$y wordend"]
-    set id [::tamselbrowser::shown::program]
+    set id [shown::program]
     if {$id eq ""} return
-    if {[::tamselbrowser::program::declares $id $name]} {
+    if {[program::declares $id $name]} {
       lappend visited [$text index @0,0]
       $frame.bar.back state !disabled
-      ::tamselbrowser::view::log::name $id $name
-      ::tamselbrowser::shown::choose $name source
+      log::name $id $name
+      shown::choose $name source
     } elseif {[line_of $name] > 0} {
       lappend visited [$text index @0,0]
       $frame.bar.back state !disabled
@@ -242,7 +248,7 @@ namespace eval ::tamselbrowser::view::source {
     ttk::entry $bar.wanted -width 24
     ttk::button $bar.previous -text "Previous" -command [namespace code {search -backwards}]
     ttk::button $bar.next -text "Next" -command [namespace code {search -forwards}]
-    ttk::label $bar.answer -style Paper.TLabel -foreground [::tamselbrowser::style::colour faint]
+    ttk::label $bar.answer -style Paper.TLabel -foreground [style::colour faint]
     pack $bar.shows $bar.back $bar.label $bar.wanted $bar.previous $bar.next $bar.answer \
       -side left -padx {0 8}
     bind $bar.shows <<ComboboxSelected>> [namespace code shows_picked]
@@ -256,14 +262,14 @@ namespace eval ::tamselbrowser::view::source {
     variable text
     ttk::frame $frame -style Paper.TFrame
     create_bar $frame.bar
-    set text [::tamselbrowser::style::scrolled $frame.text {text -wrap none -relief flat \
+    set text [style::scrolled $frame.text {text -wrap none -relief flat \
       -borderwidth 0 -highlightthickness 0 -padx 10 -pady 6 -font tamselbrowser.code \
       -state disabled -cursor arrow} xy Paper.TFrame]
-    $text configure -background [::tamselbrowser::style::colour paper] \
-      -foreground [::tamselbrowser::style::colour ink]
+    $text configure -background [style::colour paper] \
+      -foreground [style::colour ink]
     make_tags $text
     foreach tag {here found} {
-      $text tag configure $tag -background [::tamselbrowser::style::colour $tag]
+      $text tag configure $tag -background [style::colour $tag]
     }
     $text tag raise comment
     $text tag raise found
@@ -275,8 +281,8 @@ namespace eval ::tamselbrowser::view::source {
     bind $text <Configure> [list after idle [namespace code colour_visible]]
     bind $text <Map> [namespace code show_now]
     bind $text <Control-f> "focus $frame.bar.wanted; break"
-    ::tamselbrowser::shown::listen program [namespace code current]
-    ::tamselbrowser::shown::listen name [namespace code show_chosen]
+    shown::listen program [namespace code current]
+    shown::listen name [namespace code show_chosen]
   }
 
   # The text was scrolled.

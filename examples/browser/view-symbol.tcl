@@ -1,6 +1,8 @@
 # view-symbol.tcl: the node as a block with its ports, inputs left and outputs right.
 
 namespace eval ::tamselbrowser::view::symbol {
+  namespace path {::tamselbrowser::view ::tamselbrowser}
+
   variable canvas ""
   variable most_ports 400  ;# on each side; more would be a wall
   variable widest 260      ;# pixels of a name
@@ -8,10 +10,10 @@ namespace eval ::tamselbrowser::view::symbol {
   # The ports of a kind: {NAME TYPE CLOCK}, and how many more there are.
   proc ports {id kind} {
     variable most_ports
-    set names [::tamselbrowser::program::names_of $id $kind]
+    set names [program::names_of $id $kind]
     set ports [lmap name [lrange $names 0 $most_ports-1] {
-      list $name [::tamselbrowser::program::fact $id type $name] \
-        [::tamselbrowser::program::fact $id clock $name]
+      list $name [program::fact $id type $name] \
+        [program::fact $id clock $name]
     }]
     list $ports [expr {max(0, [llength $names] - $most_ports)}]
   }
@@ -31,8 +33,8 @@ namespace eval ::tamselbrowser::view::symbol {
   proc draw_side {ports more edge top row way kind} {
     variable canvas
     variable widest
-    foreach name {paper ink faint} {set $name [::tamselbrowser::style::colour $name]}
-    set line [::tamselbrowser::style::colour ${kind}_edge]
+    foreach name {paper ink faint} {set $name [style::colour $name]}
+    set line [style::colour ${kind}_edge]
     set inner [expr {$way > 0 ? "e" : "w"}]
     set outer [expr {$way > 0 ? "w" : "e"}]
     set y [expr {$top + $row / 2.0}]
@@ -44,7 +46,7 @@ namespace eval ::tamselbrowser::view::symbol {
       if {$way < 0} {set wire [list $tip $y $edge $y]}
       $canvas create line {*}$wire -fill $line -width 2 -arrow last -tags arrow
       $canvas create text [expr {$edge - $way * 12}] $y -anchor $inner -fill $ink \
-        -text [::tamselbrowser::style::shortened $name tamselbrowser.name $widest] \
+        -text [style::shortened $name tamselbrowser.name $widest] \
         -font tamselbrowser.name -tags [list port "name $name"]
       $canvas create text [expr {$tip + $way * 8}] $y -anchor $outer -fill $faint \
         -text [outside $port] -font tamselbrowser.detail -tags type
@@ -62,12 +64,12 @@ namespace eval ::tamselbrowser::view::symbol {
     variable widest
     $canvas delete all
     if {$id eq ""} return
-    ::tamselbrowser::view::picture::reset $canvas
+    picture::reset $canvas
     lassign [ports $id input] inputs more_inputs
     lassign [ports $id output] outputs more_outputs
     set row [expr {[font metrics tamselbrowser.name -linespace] + 9}]
-    set title [::tamselbrowser::style::shortened \
-      [lindex [::tamselbrowser::program::call $id profile] 0] tamselbrowser.heading $widest]
+    set title [style::shortened \
+      [lindex [program::call $id profile] 0] tamselbrowser.heading $widest]
     foreach side {inputs outputs} {
       set width_of($side) [expr {min($widest, [width [lmap port [set $side] {lindex $port 0}] \
         tamselbrowser.name])}]
@@ -78,11 +80,11 @@ namespace eval ::tamselbrowser::view::symbol {
       [font measure tamselbrowser.heading $title] + 60)}]
     set head 46
     set height [expr {$head + $rows * $row + 12}]
-    set edge [::tamselbrowser::style::colour local_edge]
-    ::tamselbrowser::view::picture::box $canvas 0 0 $width $height 8 \
-      -fill [::tamselbrowser::style::colour frame] -outline $edge -width 1.5
+    set edge [style::colour local_edge]
+    picture::box $canvas 0 0 $width $height 8 \
+      -fill [style::colour frame] -outline $edge -width 1.5
     $canvas create text [expr {$width / 2.0}] [expr {$head / 2.0}] -text $title \
-      -font tamselbrowser.heading -fill [::tamselbrowser::style::colour ink] -tags title
+      -font tamselbrowser.heading -fill [style::colour ink] -tags title
     $canvas create line 0 $head $width $head -fill $edge
     # The shorter side stands in the middle.
     set middle [expr {$head + 6 + $rows * $row / 2.0}]
@@ -90,7 +92,7 @@ namespace eval ::tamselbrowser::view::symbol {
       [expr {$middle - ([llength $inputs] + ($more_inputs > 0)) * $row / 2.0}] $row -1 input
     draw_side $outputs $more_outputs $width \
       [expr {$middle - ([llength $outputs] + ($more_outputs > 0)) * $row / 2.0}] $row 1 output
-    ::tamselbrowser::view::picture::fit $canvas 1.25 title 0.75
+    picture::fit $canvas 1.25 title 0.75
   }
 
   # A click on a port chooses its name.
@@ -99,8 +101,8 @@ namespace eval ::tamselbrowser::view::symbol {
     foreach tag [$canvas gettags current] {
       if {[string match "name *" $tag]} {
         set name [string range $tag 5 end]
-        ::tamselbrowser::view::log::name [::tamselbrowser::shown::program] $name
-        ::tamselbrowser::shown::choose $name symbol
+        log::name [shown::program] $name
+        shown::choose $name symbol
       }
     }
   }
@@ -108,8 +110,8 @@ namespace eval ::tamselbrowser::view::symbol {
   proc create {frame} {
     variable canvas $frame.canvas
     ttk::frame $frame -style Paper.TFrame
-    ::tamselbrowser::view::picture::create $canvas [namespace code clicked]
+    picture::create $canvas [namespace code clicked]
     pack $canvas -fill both -expand 1
-    ::tamselbrowser::shown::listen program [namespace code draw]
+    shown::listen program [namespace code draw]
   }
 }

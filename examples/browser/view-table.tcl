@@ -4,6 +4,8 @@
 # of the root, in which order. That is quick for any number of rows.
 
 namespace eval ::tamselbrowser::view::table {
+  namespace path {::tamselbrowser::view ::tamselbrowser}
+
   variable frame ""
   variable tree ""
   variable columns {name type clock kind}
@@ -65,8 +67,8 @@ namespace eval ::tamselbrowser::view::table {
   proc filter_typed {} {
     variable frame
     arrange
-    set id [::tamselbrowser::shown::program]
-    if {$id ne ""} {::tamselbrowser::view::log::names_matching $id [$frame.filter get]}
+    set id [shown::program]
+    if {$id ne ""} {log::names_matching $id [$frame.filter get]}
   }
 
   # A click on a heading: sorted by it, the other way round, as declared.
@@ -89,13 +91,13 @@ namespace eval ::tamselbrowser::view::table {
   proc collect {id} {
     set number 0
     set found {}
-    foreach name [::tamselbrowser::program::details $id names] {
+    foreach name [program::details $id names] {
       lappend found [list [incr number] $name {*}[lmap array {type clock kind} {
-        ::tamselbrowser::program::fact $id $array $name
+        program::fact $id $array $name
       }]]
-      ::tamselbrowser::work::pause 0 1
+      work::pause 0 1
     }
-    foreach function [::tamselbrowser::program::details $id functions] {
+    foreach function [program::details $id functions] {
       lassign $function name declaration
       lappend found [list [incr number] $name $declaration "" function]
     }
@@ -115,7 +117,7 @@ namespace eval ::tamselbrowser::view::table {
     while {$items ne ""} {
       $tree delete [lrange $items 0 499]
       set items [lrange $items 500 end]
-      ::tamselbrowser::work::pause 0 1
+      work::pause 0 1
     }
     set total [llength $new]
     set done 0
@@ -125,13 +127,13 @@ namespace eval ::tamselbrowser::view::table {
         $tree insert {} end -id $item -values [list $name {*}$values]
         lappend rows $row
         if {[lindex $row 4] ne "function"} {set item_of($name) $item}
-        ::tamselbrowser::work::pause [incr done] $total
+        work::pause [incr done] $total
       }
     } finally {
       # Also where it was stopped: what is there counts and obeys the filter.
       arrange
     }
-    show_chosen [::tamselbrowser::shown::name]
+    show_chosen [shown::name]
   }
 
   proc current {id} {
@@ -144,7 +146,7 @@ namespace eval ::tamselbrowser::view::table {
       array unset item_of
       arrange
     } else {
-      ::tamselbrowser::work::start table "Listing [::tamselbrowser::program::label $id]" \
+      work::start table "Listing [program::label $id]" \
         [namespace code [list fill $id]]
     }
   }
@@ -173,19 +175,19 @@ namespace eval ::tamselbrowser::view::table {
     set item [lindex [$tree selection] 0]
     if {$item eq ""} return
     lassign [lindex $rows $item-1] _ name _ _ kind
-    set id [::tamselbrowser::shown::program]
-    if {$name eq [::tamselbrowser::shown::name]} return
+    set id [shown::program]
+    if {$name eq [shown::name]} return
     if {$kind eq "function"} {
-      set functions [::tamselbrowser::program::details $id functions]
+      set functions [program::details $id functions]
       set index [expr {$item - 1 - ([llength $rows] - [llength $functions])}]
       # Those of several results come last, and the library's operations do not know them.
-      if {$index < [::tamselbrowser::program::call $id nb-funcs]} {
-        ::tamselbrowser::program::say $id func-decl $index
+      if {$index < [program::call $id nb-funcs]} {
+        program::say $id func-decl $index
       }
-      ::tamselbrowser::shown::tell status "function $name: [lindex $rows $item-1 2]"
+      shown::tell status "function $name: [lindex $rows $item-1 2]"
     } else {
-      ::tamselbrowser::view::log::name $id $name
-      ::tamselbrowser::shown::choose $name table
+      log::name $id $name
+      shown::choose $name table
     }
   }
 
@@ -197,7 +199,7 @@ namespace eval ::tamselbrowser::view::table {
     ttk::label $frame.label -text "Filter" -style Faint.TLabel
     ttk::entry $frame.filter
     ttk::label $frame.count -style Faint.TLabel
-    set tree [::tamselbrowser::style::scrolled $frame.rows \
+    set tree [style::scrolled $frame.rows \
       [list ttk::treeview -columns $columns -show headings -selectmode browse] y]
     foreach column $columns width {150 90 70 70} {
       $tree column $column -width $width -minwidth 40
@@ -211,7 +213,7 @@ namespace eval ::tamselbrowser::view::table {
     bind $frame.filter <Escape> "%W delete 0 end; [namespace code arrange]"
     bind $tree <<TreeviewSelect>> [namespace code selected]
     foreach {event command} {program current kind show_kind name show_chosen} {
-      ::tamselbrowser::shown::listen $event [namespace code $command]
+      shown::listen $event [namespace code $command]
     }
     arrange
   }

@@ -1,6 +1,8 @@
 # window.tcl: the main window: menus, panes, the line that tells of changed files, the status line.
 
 namespace eval ::tamselbrowser::window {
+  namespace path ::tamselbrowser
+
   variable shows_log 1
   variable changed ""     ;# the program that the notice is about, "" where there is none
   variable types {{"EC programs" {.ec .ectext}} {"All files" *}}
@@ -12,17 +14,17 @@ namespace eval ::tamselbrowser::window {
     set done 0
     foreach file $files {
       try {
-        set id [::tamselbrowser::program::open $file]
+        set id [program::open $file]
         if {$first eq ""} {set first $id}
       } on error {result options} {
         lappend failures [list $file $result $options]
       }
-      ::tamselbrowser::work::pause [incr done] [llength $files]
+      work::pause [incr done] [llength $files]
     }
-    if {$first ne ""} {::tamselbrowser::shown::select $first}
+    if {$first ne ""} {shown::select $first}
     if {$failures ne ""} {
       set count [llength $failures]
-      ::tamselbrowser::shown::tell failed [expr {$count == 1
+      shown::tell failed [expr {$count == 1
         ? "Could not open [file tail [lindex $failures 0 0]]"
         : "Could not open $count files"}] $failures
     }
@@ -30,7 +32,7 @@ namespace eval ::tamselbrowser::window {
   proc open_soon {files} {
     if {$files eq ""} return
     # A key of its own: what is being opened is not given up for more.
-    ::tamselbrowser::work::start [list open $files] "Opening" [namespace code [list open_files $files]]
+    work::start [list open $files] Opening [namespace code [list open_files $files]]
   }
 
   proc open_dialog {} {
@@ -40,18 +42,18 @@ namespace eval ::tamselbrowser::window {
 
   proc fill_recent {menu} {
     $menu delete 0 end
-    foreach file [::tamselbrowser::files::recent] {
+    foreach file [files::recent] {
       $menu add command -label $file -command [namespace code [list open_soon [list $file]]]
     }
     if {[$menu index end] in {none {}}} {$menu add command -label "None yet" -state disabled}
   }
 
   proc close_current {} {
-    set id [::tamselbrowser::shown::program]
+    set id [shown::program]
     if {$id eq ""} return
-    ::tamselbrowser::work::stop
-    ::tamselbrowser::program::close $id
-    ::tamselbrowser::shown::select [lindex [::tamselbrowser::program::all] 0]
+    work::stop
+    program::close $id
+    shown::select [lindex [program::all] 0]
     check_files
   }
 
@@ -59,12 +61,12 @@ namespace eval ::tamselbrowser::window {
   proc reload {id} {
     if {$id eq ""} return
     try {
-      ::tamselbrowser::program::reload $id
-      ::tamselbrowser::shown::select $id
-      ::tamselbrowser::shown::tell status "[::tamselbrowser::program::label $id] was read again."
+      program::reload $id
+      shown::select $id
+      shown::tell status "[program::label $id] was read again."
     } on error {result options} {
-      set file [::tamselbrowser::program::file_of $id]
-      ::tamselbrowser::shown::tell failed "Could not reload [file tail $file]; the program stays as it was" \
+      set file [program::file_of $id]
+      shown::tell failed "Could not reload [file tail $file]; the program stays as it was" \
         [list [list $file $result $options]]
     }
     check_files
@@ -73,10 +75,10 @@ namespace eval ::tamselbrowser::window {
   # Tells of the first file that changed since it was read, until the user has answered.
   proc check_files {} {
     variable changed ""
-    foreach id [::tamselbrowser::program::all] {
-      if {![::tamselbrowser::program::has_changed $id]} continue
+    foreach id [program::all] {
+      if {![program::has_changed $id]} continue
       set changed $id
-      set file [::tamselbrowser::program::file_of $id]
+      set file [program::file_of $id]
       set is_there [file exists $file]
       .notice.text configure -text [expr {$is_there ? "[file tail $file] has changed on disk."
         : "[file tail $file] is no longer where it was."}]
@@ -92,21 +94,22 @@ namespace eval ::tamselbrowser::window {
   }
   proc ignore_changed {} {
     variable changed
-    if {$changed ne ""} {::tamselbrowser::program::ignore_change $changed}
+    if {$changed ne ""} {program::ignore_change $changed}
     check_files
   }
 
   # Writes a picture: of the tab in sight as SVG, of the dependencies as PNG or PDF.
   proc export_to {format path} {
-    set is_symbol [expr {$format eq "svg" && [.body.right.tabs select] eq ".body.right.tabs.symbol"}]
+    set tab [.body.right.tabs select]
+    set is_symbol [expr {$format eq "svg" && $tab eq ".body.right.tabs.symbol"}]
     set canvas [expr {$is_symbol ? $::tamselbrowser::view::symbol::canvas
       : $::tamselbrowser::view::graph::canvas}]
     try {
-      ::tamselbrowser::export::write $canvas $format $path
-      ::tamselbrowser::shown::tell status "Wrote $path"
+      export::write $canvas $format $path
+      shown::tell status "Wrote $path"
       say_export $path $is_symbol
     } on error {result options} {
-      ::tamselbrowser::shown::tell failed "Could not write the picture" \
+      shown::tell failed "Could not write the picture" \
         [list [list $path $result $options]]
     }
   }
@@ -119,14 +122,14 @@ namespace eval ::tamselbrowser::window {
       if {$centre ne ""} {lappend words --name $centre}
       lappend words --show $wanted --steps $depth
     }
-    ::tamselbrowser::shown::tell command \
-      [list {*}$words [::tamselbrowser::program::file_of [::tamselbrowser::shown::program]]]
+    shown::tell command \
+      [list {*}$words [program::file_of [shown::program]]]
   }
   proc export {format} {
-    set id [::tamselbrowser::shown::program]
+    set id [shown::program]
     if {$id eq ""} return
     set path [tk_getSaveFile -title "Export the picture" -defaultextension .$format \
-      -initialfile [file rootname [::tamselbrowser::program::label $id]].$format]
+      -initialfile [file rootname [program::label $id]].$format]
     if {$path ne ""} {export_to $format $path}
   }
 
@@ -145,7 +148,7 @@ namespace eval ::tamselbrowser::window {
   }
 
   proc current {id} {
-    wm title . [expr {$id eq "" ? "Tamsel" : "[::tamselbrowser::program::label $id] – Tamsel"}]
+    wm title . [expr {$id eq "" ? "Tamsel" : "[program::label $id] – Tamsel"}]
   }
 
   proc toggle_log {} {
@@ -155,7 +158,7 @@ namespace eval ::tamselbrowser::window {
 
   proc help {} {
     destroy .help
-    toplevel .help -background [::tamselbrowser::style::colour frame] -padx 18 -pady 14
+    toplevel .help -background [style::colour frame] -padx 18 -pady 14
     wm title .help "Tamsel browser"
     wm transient .help .
     ttk::label .help.title -text "What the mouse does" -style Title.TLabel
@@ -175,7 +178,7 @@ namespace eval ::tamselbrowser::window {
     focus .help.close
   }
 
-  # Adds entries to a menu: rows of {LABEL KEY SCRIPT}, "-" for a line. Keys work in the whole window.
+  # Adds entries to a menu: rows of {LABEL KEY SCRIPT}, "-" for a line. Keys work in all the window.
   proc add_entries {menu rows} {
     foreach {label key script} $rows {
       if {$label eq "-"} {
@@ -190,7 +193,7 @@ namespace eval ::tamselbrowser::window {
   }
 
   proc create_menus {} {
-    menu .menu -background [::tamselbrowser::style::colour frame] -borderwidth 0
+    menu .menu -background [style::colour frame] -borderwidth 0
     foreach name {file view help} {
       menu .menu.$name -tearoff 0
       .menu add cascade -label [string totitle $name] -menu .menu.$name -underline 0
@@ -201,7 +204,7 @@ namespace eval ::tamselbrowser::window {
       Open… Ctrl+o [namespace code open_dialog]]
     .menu.file add cascade -label "Open recent" -menu .menu.file.recent
     add_entries .menu.file [list \
-      Reload Ctrl+r [namespace code {reload [::tamselbrowser::shown::program]}] \
+      Reload Ctrl+r [namespace code {reload [shown::program]}] \
       Close Ctrl+w [namespace code close_current] \
       - {} {} \
       "Export as SVG…" {} [namespace code {export svg}] \
@@ -211,7 +214,8 @@ namespace eval ::tamselbrowser::window {
       Quit Ctrl+q {destroy .}]
     set number 0
     foreach {tab label} {graph Dependencies symbol "Block symbol" source Source} {
-      add_entries .menu.view [list $label Ctrl+[incr number] [list .body.right.tabs select .body.right.tabs.$tab]]
+      add_entries .menu.view [list $label Ctrl+[incr number] \
+        [list .body.right.tabs select .body.right.tabs.$tab]]
     }
     add_entries .menu.view [list \
       - {} {} \
@@ -236,19 +240,19 @@ namespace eval ::tamselbrowser::window {
   proc create_body {} {
     ttk::panedwindow .body -orient horizontal
     ttk::panedwindow .body.left -orient vertical
-    ::tamselbrowser::view::programs::create .body.left.programs
-    ::tamselbrowser::view::table::create .body.left.table
+    view::programs::create .body.left.programs
+    view::table::create .body.left.table
     .body.left add .body.left.programs
     .body.left add .body.left.table -weight 1
     ttk::frame .body.right
     set tabs [ttk::notebook .body.right.tabs]
-    ::tamselbrowser::view::graph::create $tabs.graph
-    ::tamselbrowser::view::symbol::create $tabs.symbol
-    ::tamselbrowser::view::source::create $tabs.source
+    view::graph::create $tabs.graph
+    view::symbol::create $tabs.symbol
+    view::source::create $tabs.source
     $tabs add $tabs.graph -text "Dependencies"
     $tabs add $tabs.symbol -text "Block symbol"
     $tabs add $tabs.source -text "Source"
-    ::tamselbrowser::view::equation::create .body.right.equation
+    view::equation::create .body.right.equation
     pack .body.right.equation -side bottom -fill x -pady {8 0}
     pack $tabs -fill both -expand 1
     .body add .body.left
@@ -275,8 +279,8 @@ namespace eval ::tamselbrowser::window {
     create_menus
     create_notice
     create_body
-    ::tamselbrowser::view::expression::create .expression
-    ::tamselbrowser::view::log::create .log
+    view::expression::create .expression
+    view::log::create .log
     create_status
     foreach {window row} {.notice 0 .body 1 .expression 2 .log 3 .status 4} {
       grid $window -row $row -column 0 -sticky nsew
@@ -286,10 +290,10 @@ namespace eval ::tamselbrowser::window {
     grid rowconfigure . 1 -weight 1
     grid columnconfigure . 0 -weight 1
     foreach {event command} {progress progress status status program current} {
-      ::tamselbrowser::shown::listen $event [namespace code $command]
+      shown::listen $event [namespace code $command]
     }
-    ::tamselbrowser::shown::listen failed ::tamselbrowser::report::failed
+    shown::listen failed ::tamselbrowser::report::failed
     bind . <FocusIn> [namespace code {if {"%W" eq "."} check_files}]
-    ::tamselbrowser::shown::select ""
+    shown::select ""
   }
 }

@@ -4,11 +4,13 @@
 # other. A task can be stopped, and then ends at its next `pause`.
 
 namespace eval ::tamselbrowser::work {
+  namespace path ::tamselbrowser
+
   variable slice 12    ;# milliseconds that a task runs before events are served
   variable waiting {}  ;# tasks to come, a list of {key title command}
   variable key ""      ;# of the task that runs; empty: none does
   variable title ""
-  variable ending ""   ;# why the running task is to end: STOPPED by the user or REPLACED by a new one
+  variable ending ""   ;# why the task is to end: STOPPED by the user or REPLACED by a new one
   variable began 0     ;# when the present slice did
 
   # Ends the task where it was stopped.
@@ -25,7 +27,7 @@ namespace eval ::tamselbrowser::work {
     variable began
     variable title
     if {[info coroutine] eq "" || [clock milliseconds] - $began < $slice} return
-    ::tamselbrowser::shown::tell progress $title [expr {$total > 0 ? double($done) / $total : 0}]
+    shown::tell progress $title [expr {$total > 0 ? double($done) / $total : 0}]
     # By way of an idle handler, so that what is to be drawn comes first.
     after idle [list after 1 [info coroutine]]
     yield
@@ -40,13 +42,13 @@ namespace eval ::tamselbrowser::work {
     variable ending ""
     variable title
     try {
-      ::tamselbrowser::shown::tell progress $title 0
+      shown::tell progress $title 0
       uplevel #0 $command
     } trap {TAMSELBROWSER STOPPED} {} {
-      ::tamselbrowser::shown::tell status "Stopped: $title (choose the program again to go on)"
+      shown::tell status "Stopped: $title (choose the program again to go on)"
     } trap {TAMSELBROWSER REPLACED} {} {
     } on error {result options} {
-      ::tamselbrowser::shown::tell failed "Not finished: $title" [list [list "" $result $options]]
+      shown::tell failed "Not finished: $title" [list [list "" $result $options]]
     } finally {
       set key ""
       after idle [namespace code advance]
@@ -60,7 +62,7 @@ namespace eval ::tamselbrowser::work {
     variable title
     if {$key ne ""} return
     if {$waiting eq ""} {
-      ::tamselbrowser::shown::tell progress "" 1
+      shown::tell progress "" 1
       return
     }
     set waiting [lassign $waiting task]
