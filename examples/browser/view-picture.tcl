@@ -64,8 +64,9 @@ namespace eval ::tamselbrowser::view::picture {
   # smaller comes to the middle, what is larger has `focus` there but leaves no blank at its ends.
   proc shift {low high focus size} {
     variable margin
-    if {$high - $low <= $size - 2 * $margin} {return [expr {($size - $low - $high) / 2.0}]}
-    expr {max($size - $margin - $high, min($margin - $low, $size / 2.0 - $focus))}
+    # By whole pixels, so that level wires stay level.
+    if {$high - $low <= $size - 2 * $margin} {return [expr {round(($size - $low - $high) / 2.0)}]}
+    expr {round(max($size - $margin - $high, min($margin - $low, $size / 2.0 - $focus)))}
   }
 
   # Shows everything, at most `largest` times as large as drawn and at least `smallest` times; what is

@@ -159,6 +159,8 @@ namespace eval ::tamselbrowser::view::source {
     $text tag remove here 1.0 end
     if {$line == 0} return
     $text tag add here $line.0 "$line.0 + 1 lines"
+    # With what follows, as an equation may have several lines.
+    $text see "$line.0 + 4 lines"
     $text see $line.0
     $text mark set insert $line.0
     colour_visible
