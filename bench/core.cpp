@@ -9,6 +9,7 @@
 #include <malloc.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -63,32 +64,70 @@ class Text {
   size_t size_;
 };
 
-enum Class : unsigned char { blank, word, bracket, sign };
+enum Class : unsigned char { blank, letter, digit, sign };
 const std::array<Class, 256> classes = [] {
   std::array<Class, 256> table;
-  for (int c = 0; c < 256; ++c) {
-    const bool in_word = is_letter(c) || is_digit(c) || c == '_';
-    const bool stands_alone = c != 0 && std::strchr("()[],;", c) != nullptr;
-    table[static_cast<size_t>(c)] = c <= ' '       ? blank
-                                    : in_word      ? word
-                                    : stands_alone ? bracket
-                                                   : sign;
-  }
+  for (int c = 0; c < 256; ++c)
+    table[static_cast<size_t>(c)] = c <= ' '                   ? blank
+                                    : is_letter(c) || c == '_' ? letter
+                                    : is_digit(c)              ? digit
+                                                               : sign;
   return table;
 }();
 Class class_of(char c) { return classes[static_cast<unsigned char>(c)]; }
 
-// Calls `take` with the class and the text of each token: a word or number, a bracket, or signs in
-// a row.
+// Where the token that begins at `p` ends; a comment ends where it began.
+const char* end_of_token(const char* p, const char* end) {
+  const auto skip_digits = [&] {
+    while (p != end && class_of(*p) == digit) ++p;
+  };
+  const char* start = p++;
+  const auto follows = [&](const char* pair) {
+    return p != end && *start == pair[0] && *p == pair[1];
+  };
+  switch (class_of(*start)) {
+    case letter:
+      while (p != end && (class_of(*p) == letter || class_of(*p) == digit)) ++p;
+      return p;
+    case digit:
+      skip_digits();
+      if (p != end && *p == '.') {
+        ++p;
+        skip_digits();
+      }
+      if (p != end && (*p | 0x20) == 'e') {
+        ++p;
+        if (p != end && (*p == '+' || *p == '-')) ++p;
+        skip_digits();
+      }
+      return p;
+    default:
+      if (follows("--") || follows("(*")) return start;
+      for (const char* pair : {"->", "=>", "<=", ">=", "<>", "**"})
+        if (follows(pair)) return p + 1;
+      return p;
+  }
+}
+
+const char* end_of_comment(std::string_view text) {
+  const std::string_view last = text[0] == '-' ? "\n" : "*)";
+  const size_t place = text.find(last, 1);
+  return place == text.npos ? text.end() : text.begin() + place + last.size();
+}
+
+// Calls `take` with the first character's class and the text of each token.
 template <class Take>
 void tokenize(std::string_view text, Take take) {
   for (const char *p = text.begin(), *end = text.end(); p != end;) {
-    const char* start = p++;
-    const Class kind = class_of(*start);
-    if (kind == blank) continue;
-    if (kind != bracket)
-      while (p != end && class_of(*p) == kind) ++p;
-    take(kind, std::string_view(start, static_cast<size_t>(p - start)));
+    const Class kind = class_of(*p);
+    const char* start = p;
+    if (kind == blank) {
+      ++p;
+    } else if (p = end_of_token(start, end); p != start) {
+      take(kind, std::string_view(start, static_cast<size_t>(p - start)));
+    } else {
+      p = end_of_comment(std::string_view(start, static_cast<size_t>(end - start)));
+    }
   }
 }
 
@@ -102,7 +141,7 @@ class Numbers {
     for (size_t i = hash & (slots_.size() - 1);; i = (i + 1) & (slots_.size() - 1)) {
       Slot& slot = slots_[i];
       if (slot.number == 0) {
-        texts_.push_back(text);
+        texts_.push_back(keep(text));
         slot = {hash, static_cast<uint32_t>(texts_.size())};
         return slot.number;
       }
@@ -130,6 +169,18 @@ class Numbers {
     return static_cast<uint32_t>(mixed * odd >> 32);
   }
 
+  std::string_view keep(std::string_view text) {
+    if (room_ < text.size()) {
+      room_ = std::max<size_t>(text.size(), 65536);
+      pages_.emplace_back(new char[room_]);
+      free_ = pages_.back().get();
+    }
+    char* copy = static_cast<char*>(std::memcpy(free_, text.data(), text.size()));
+    free_ += text.size();
+    room_ -= text.size();
+    return {copy, text.size()};
+  }
+
   void grow() {
     std::vector<Slot> larger(slots_.empty() ? 1024 : 2 * slots_.size());
     for (const Slot& slot : slots_) {
@@ -143,6 +194,9 @@ class Numbers {
 
   std::vector<Slot> slots_;  // a power of two
   std::vector<std::string_view> texts_;
+  std::vector<std::unique_ptr<char[]>> pages_;
+  char* free_ = nullptr;  // of the last page
+  size_t room_ = 0;
 };
 
 // --- The limits.
@@ -171,7 +225,7 @@ void TokensInterned(benchmark::State& state) {
     Numbers numbers;
     size_t sum = 0;
     tokenize(text, [&](Class kind, std::string_view token) {
-      sum += kind == word ? numbers.number_of(token) : 1;
+      sum += kind == letter || kind == digit ? numbers.number_of(token) : 1;
     });
     benchmark::DoNotOptimize(sum);
   }
@@ -183,42 +237,47 @@ void dump() {
   shared_program().print_quarel(&out);
 }
 
-// The pieces of the dumped text, each with the blanks behind it, pushed through a counter of
-// columns into blocks.
-void PiecesWritten(benchmark::State& state) {
-  dump();
-  const Text text(out_path);
-  std::vector<uint8_t> lengths;  // one byte a piece: what a piece costs is its copying
-  const char* taken = std::string_view(text).begin();
-  const auto end_piece = [&](const char* end) {
-    for (; end - taken > 255; taken += 255) lengths.push_back(255);
-    lengths.push_back(static_cast<uint8_t>(end - taken));
+// The pieces of the dumped text: each token with the blanks before it, and each new line with its
+// indentation.
+std::vector<std::string_view> pieces_of(std::string_view text) {
+  std::vector<std::string_view> pieces;
+  const char* taken = text.begin();
+  const auto add = [&](const char* end) {
+    if (end != taken) pieces.emplace_back(taken, static_cast<size_t>(end - taken));
     taken = end;
   };
   tokenize(text, [&](Class, std::string_view token) {
-    if (token.begin() != taken) end_piece(token.begin());
+    const std::string_view blanks(taken, static_cast<size_t>(token.begin() - taken));
+    if (blanks.find('\n') != blanks.npos) add(token.begin());
+    add(token.end());
   });
-  end_piece(std::string_view(text).end());
+  add(text.end());
+  return pieces;
+}
+
+// The pieces pushed through a counter of columns into blocks.
+void PiecesWritten(benchmark::State& state) {
+  dump();
+  const Text text(out_path);
+  const std::vector<std::string_view> pieces = pieces_of(text);
   for (auto _ : state) {
     FILE* file = std::fopen(out_path.c_str(), "w");
     std::setvbuf(file, nullptr, _IONBF, 0);
     static char block[65536];
     size_t used = 0;
-    unsigned column = 0;
-    const char* piece = std::string_view(text).begin();
-    for (const uint8_t length : lengths) {
-      if (used + length + 1 > sizeof block) {
+    size_t column = 0;
+    for (const std::string_view piece : pieces) {
+      if (used + piece.size() + 1 > sizeof block) {
         std::fwrite(block, 1, used, file);
         used = 0;
       }
-      column += length;
+      column += piece.size();
       if (column >= 80) {
         block[used++] = '\n';
-        column = length;
+        column = piece.size();
       }
-      std::memcpy(block + used, piece, length);
-      used += length;
-      piece += length;
+      std::memcpy(block + used, piece.data(), piece.size());
+      used += piece.size();
     }
     std::fwrite(block, 1, used, file);
     std::fclose(file);
