@@ -25,8 +25,8 @@ double read_double(const char* text);
 float read_float(const char* text);
 
 // Character classes of plain ASCII; `c` is any int, -1 included.
-inline bool is_blank(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-inline bool is_digit(int c) { return c >= '0' && c <= '9'; }
-inline bool is_letter(int c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z' && c > 0; }
+constexpr bool is_blank(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr bool is_digit(int c) { return c >= '0' && c <= '9'; }
+constexpr bool is_letter(int c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z' && c > 0; }
 
 #endif

@@ -1,10 +1,12 @@
 // The lexer: characters to tokens.
 
+#include <array>
 #include <cstdarg>
 #include <cstring>
 
 #include "ecprg.tab.h"
 #include "foundation/text.h"
+#include "foundation/wordindex.h"
 #include "reader/reader.h"
 
 int carcour;
@@ -26,7 +28,7 @@ struct Keyword {
 };
 
 // clang-format off
-const Keyword Keywords[] = {
+constexpr Keyword Keywords[] = {
     {"and",      TK_AND,      false},
     {"assert",   TK_ASSERT,   false},
     {"bool",     TK_BOOL,     true},
@@ -55,7 +57,7 @@ const Keyword Keywords[] = {
     {"when",     TK_WHEN,     false},
     {"xor",      TK_XOR,      false},
 };
-const Keyword SpecKeywords[] = {
+constexpr Keyword SpecKeywords[] = {
     {"->", TK_ARROW, false},
     {">=", TK_GTE,   false},
     {"=>", TK_IMPL,  false},
@@ -65,16 +67,36 @@ const Keyword SpecKeywords[] = {
 };
 // clang-format on
 
-const char single_characters[] = "./:;)#%+,";
-const char doubled_characters[] = "(*-<=>";  // those that may begin a longer lexeme
+constexpr WordIndex keyword_index(Keywords, &Keyword::text);
+constexpr WordIndex spec_keyword_index(SpecKeywords, &Keyword::text);
 
-// The row of `text`, or null. Rows are told apart by their first character before anything is
-// compared.
-template <size_t rows>
-const Keyword* find_text(const Keyword (&table)[rows], const char* text) {
-  for (const Keyword& row : table)
-    if (row.text[0] == text[0] && std::strcmp(row.text, text) == 0) return &row;
-  return nullptr;
+// What a character begins.
+enum class Begins : unsigned char {
+  nothing,  // a character that is none of the language
+  blank,
+  number,
+  name,
+  single,  // a token of its own
+  longer,  // a token of its own, a token of two characters, or a comment
+};
+
+constexpr auto beginnings = [] {
+  std::array<Begins, 256> table = {};
+  for (int c = 0; c < 256; ++c) {
+    const bool in_name = is_letter(c) || c == '_';
+    table[static_cast<size_t>(c)] = is_blank(c)   ? Begins::blank
+                                    : is_digit(c) ? Begins::number
+                                    : in_name     ? Begins::name
+                                                  : Begins::nothing;
+  }
+  for (const unsigned char c : std::string_view("./:;)#%+,")) table[c] = Begins::single;
+  for (const unsigned char c : std::string_view("(*-<=>")) table[c] = Begins::longer;
+  return table;
+}();
+
+// Any int may be asked: the end and the numbers of longer tokens begin nothing.
+Begins what_begins(int c) {
+  return c >= 0 && c < 256 ? beginnings[static_cast<size_t>(c)] : Begins::nothing;
 }
 
 template <size_t rows>
@@ -84,14 +106,24 @@ const Keyword* find_token(const Keyword (&table)[rows], int token) {
   return nullptr;
 }
 
-// `c` may also be a token: strchr would take those above 255 for characters.
-bool is_one_of(int c, const char* characters) {
-  return c > 0 && c < 128 && std::strchr(characters, c) != nullptr;
+bool continues_name(int c) {
+  const Begins begins = what_begins(c);
+  return begins == Begins::name || begins == Begins::number;
 }
 
-bool continues_name(int c) { return is_letter(c) || is_digit(c) || c == '_'; }
+// Reads by one thread, as all of the reader, so a character needs no lock. Inline: most of the time
+// of a scan is spent here.
+inline int next_character() {
+  int c = -1;  // at the end of a string, and stay there
+  if (YY_instring == nullptr)
+    c = getc_unlocked(YY_infile);
+  else if (*YY_instring != '\0')
+    c = static_cast<unsigned char>(*YY_instring++);
+  if (c == '\n') ++yyline;
+  return c;
+}
 
-int advance() { return GetChar(&carcour); }
+int advance() { return carcour = next_character(); }
 
 // Reports an error, which ends the scan.
 PRINTF_LIKE(1, 2)
@@ -123,14 +155,12 @@ class Lexeme {
   void take_digits() {
     while (is_digit(carcour)) take();
   }
-  const char* text() {
-    buffer[size_] = '\0';
-    return buffer;
-  }
+  std::string_view text() const { return {buffer, size_}; }
   // Delivers `token`, with the text as its value where `carries_text`.
   int deliver(int token, bool carries_text) {
     if (!fits_) return lexical_error("lexical error: lexeme too long, line '%d'", yyline);
-    if (carries_text) std::memcpy(ecprg_lval.text, text(), size_ + 1);
+    buffer[size_] = '\0';
+    if (carries_text) std::memcpy(ecprg_lval.text, buffer, size_ + 1);
     return YY_result = token;
   }
 
@@ -162,7 +192,7 @@ int number() {
 int name_or_keyword() {
   Lexeme lexeme;
   while (continues_name(carcour)) lexeme.take();
-  const Keyword* keyword = find_text(Keywords, lexeme.text());
+  const Keyword* keyword = keyword_index.find(lexeme.text());
   if (keyword != nullptr) return lexeme.deliver(keyword->token, keyword->carries_text);
   return lexeme.deliver(IDENT, true);
 }
@@ -182,18 +212,31 @@ void skip_line_comment() {
   if (carcour == '\n') advance();
 }
 
+// Skips a comment, or delivers a token of one or two characters. False where it was a comment.
+bool comment_or_sign() {
+  const char first = static_cast<char>(carcour);
+  advance();
+  buffer[0] = first;
+  buffer[1] = static_cast<char>(carcour);
+  buffer[2] = '\0';
+  const std::string_view both(buffer, 2);
+  if (both == "(*") {
+    skip_block_comment();
+    return false;
+  }
+  if (both == "--") {
+    skip_line_comment();
+    return false;
+  }
+  const Keyword* keyword = spec_keyword_index.find(both);
+  if (keyword != nullptr) advance();
+  YY_result = keyword != nullptr ? keyword->token : first;
+  return true;
+}
+
 }  // namespace
 
-int GetChar(int* c) {
-  if (YY_instring == nullptr)
-    *c = getc_unlocked(YY_infile);  // by one thread, as all of the reader
-  else if (*YY_instring == '\0')
-    *c = -1;  // and stay there
-  else
-    *c = static_cast<unsigned char>(*YY_instring++);
-  if (*c == '\n') ++yyline;
-  return *c;
-}
+int GetChar(int* c) { return *c = next_character(); }
 
 static int start_scan(int boot, FILE* f, const char* text) {
   YYLEX_BOOT = boot;
@@ -212,41 +255,30 @@ int ecprg_lex() {
   YYLEX_BOOT = 0;
   if (YY_result != 0) return YY_result;
   for (;;) {
-    if (is_blank(carcour)) {
-      advance();
-      continue;
-    }
-    if (carcour == -1) return -1;
-    if (is_digit(carcour)) return number();
-    if (is_letter(carcour) || carcour == '_') return name_or_keyword();
-    if (is_one_of(carcour, single_characters)) {
-      YY_result = carcour;
-      advance();
-      return YY_result;
-    }
-    if (!is_one_of(carcour, doubled_characters)) return unknown_character();
-
-    const int first = carcour;
-    advance();
-    buffer[0] = static_cast<char>(first);
-    buffer[1] = static_cast<char>(carcour);
-    buffer[2] = '\0';
-    if (first == '(' && carcour == '*') {
-      skip_block_comment();
-    } else if (first == '-' && carcour == '-') {
-      skip_line_comment();
-    } else if (const Keyword* keyword = find_text(SpecKeywords, buffer)) {
-      advance();
-      return YY_result = keyword->token;
-    } else {
-      return YY_result = first;
+    switch (what_begins(carcour)) {
+      case Begins::blank:
+        advance();
+        break;
+      case Begins::number:
+        return number();
+      case Begins::name:
+        return name_or_keyword();
+      case Begins::single:
+        YY_result = carcour;
+        advance();
+        return YY_result;
+      case Begins::longer:
+        if (comment_or_sign()) return YY_result;
+        break;
+      case Begins::nothing:
+        return carcour == -1 ? -1 : unknown_character();
     }
   }
 }
 
 const char* printLexeme(int token) {
   if (token == -1) return "EOF";
-  if (is_one_of(token, single_characters) || is_one_of(token, doubled_characters)) {
+  if (what_begins(token) == Begins::single || what_begins(token) == Begins::longer) {
     std::snprintf(lexemeBuff, sizeof lexemeBuff, "%c", token);
     return lexemeBuff;
   }

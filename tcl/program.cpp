@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "foundation/errors.h"
+#include "foundation/wordindex.h"
 #include "tcl/dorvik.h"
 
 static const Section inputs = {&EcPrg::inputs, &EcPrg::nb_inputs, &EcPrgVar::input_index};
@@ -70,49 +71,7 @@ constexpr Operation operations[] = {
 // clang-format on
 constexpr int operation_count = sizeof operations / sizeof operations[0];
 
-namespace {
-
-// Finds an operation by its word in a few steps, wherever it stands in the table. Made of the table
-// by the compiler.
-class OperationIndex {
- public:
-  constexpr OperationIndex() {
-    for (int row = 0; row < operation_count; ++row) {
-      size_t slot = slot_of(operations[row].word);
-      while (rows_[slot] != 0) slot = behind(slot);
-      rows_[slot] = static_cast<unsigned char>(row + 1);
-    }
-  }
-
-  // Null for a word that is none.
-  const Operation* find(const char* word) const {
-    for (size_t slot = slot_of(word); rows_[slot] != 0; slot = behind(slot)) {
-      const Operation& operation = operations[rows_[slot] - 1];
-      if (std::strcmp(operation.word, word) == 0) return &operation;
-    }
-    return nullptr;
-  }
-
- private:
-  static constexpr size_t slots = 64;
-  static_assert(2 * operation_count <= slots, "more slots are needed");
-
-  static constexpr size_t behind(size_t slot) { return (slot + 1) % slots; }
-  // Gives each word of the table a slot of its own. One that met another would cost a step more.
-  static constexpr size_t slot_of(std::string_view word) {
-    if (word.empty()) return 0;
-    const auto character = [word](size_t place) { return static_cast<unsigned char>(word[place]); };
-    const size_t length = word.size();
-    return (4 * length + 3 * character(0) + 2 * character(length / 2) + character(3 * length / 4)) %
-           slots;
-  }
-
-  unsigned char rows_[slots] = {};  // from 1; 0: a free slot, where a search ends
-};
-
-constexpr OperationIndex operation_index;
-
-}  // namespace
+constexpr WordIndex operation_index(operations, &Operation::word);
 
 static void note_rename(void* data, Tcl_Interp*, const char*, const char* new_name, int) {
   static_cast<EcPrgVar*>(data)->note_name(new_name);
