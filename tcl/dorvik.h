@@ -131,14 +131,14 @@ class EcPrgVar {
   int exp_type(const Operation& operation, int nparams, const char* params[]);
 
   // `prg` uses `symbols`; they are deleted in the order prg, symbols, exp_names.
-  std::unique_ptr<SymbolTable> exp_names = std::make_unique<SymbolTable>();  // handles issued
-  std::unique_ptr<SymbolTable> symbols;  // null where there is no program
-  std::unique_ptr<EcPrg> prg;            // null only after an ecprg with too many words
-  std::vector<Exp*> handled;             // by the number of the handle in exp_names, from 1
-  EcPrgVar* next = nullptr;              // of the owner's list
-  EcPrgVar* previous = nullptr;          // of the same
-  Tcl_Command command = nullptr;         // null before it is created and when it is gone
-  Tcl_Obj* full_name = nullptr;          // of the command; this object holds one reference
+  std::unique_ptr<SymbolTable> exp_names;  // handles issued; null before the first
+  std::unique_ptr<SymbolTable> symbols;    // null where there is no program
+  std::unique_ptr<EcPrg> prg;              // null only after an ecprg with too many words
+  std::vector<Exp*> handled;               // by the number of the handle in exp_names, from 1
+  EcPrgVar* next = nullptr;                // of the owner's list
+  EcPrgVar* previous = nullptr;            // of the same
+  Tcl_Command command = nullptr;           // null before it is created and when it is gone
+  Tcl_Obj* full_name = nullptr;            // of the command; this object holds one reference
   Dorvik* owner;
   int holders = 1;                                                      // see the class
   int new_ident_count = 0;                                              // of generated names

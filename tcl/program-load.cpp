@@ -12,12 +12,10 @@
 #include "tcl/dorvik.h"
 #include "tcl/interned_text.h"
 
-// A fresh program on a table of its own, with a table for its handles: what an object is given as a
-// whole.
+// A fresh program on a table of its own: what an object is given as a whole.
 struct EcPrgVar::Program {
   Program() { prg->EcPrgInit(symbols.get()); }
 
-  std::unique_ptr<SymbolTable> exp_names = std::make_unique<SymbolTable>();
   std::unique_ptr<SymbolTable> symbols = std::make_unique<SymbolTable>();
   std::unique_ptr<EcPrg> prg = std::make_unique<EcPrg>();
 };
@@ -26,7 +24,7 @@ struct EcPrgVar::Program {
 void EcPrgVar::install(Program program) {
   prg = std::move(program.prg);
   symbols = std::move(program.symbols);
-  exp_names = std::move(program.exp_names);
+  exp_names.reset();
   handled.clear();
   new_ident_count = 0;
   input_index = output_index = local_index = function_index = IntListIndex();
