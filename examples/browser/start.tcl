@@ -111,12 +111,10 @@ Shows EC programs in a window.
       shown::choose [dict get $options name]
     }
     set path [dict get $options export]
-    set canvas $view::symbol::canvas
-    if {![dict exists $options symbol]} {
-      view::graph::draw $id
-      set canvas $view::graph::canvas
-    }
-    export::write $canvas [string tolower [string range [file extension $path] 1 end]] $path
+    set format [string tolower [string range [file extension $path] 1 end]]
+    set drawn [expr {[dict exists $options symbol] ? "symbol" : "graph"}]
+    view::${drawn}::draw $id
+    export::write [set view::${drawn}::canvas] $format $path
   }
 
   # The program, given the words of its command line.

@@ -4,7 +4,8 @@ namespace eval ::tamselbrowser::view::symbol {
   namespace path {::tamselbrowser::view ::tamselbrowser}
 
   variable canvas ""
-  variable most_ports 400  ;# on each side; more would be a wall
+  variable is_due 0        ;# whether the symbol is to be drawn when it comes into sight
+  variable most_ports 200  ;# on each side; more would be a wall
   variable widest 260      ;# pixels of a name
 
   # The ports of a kind: {NAME TYPE CLOCK}, and how many more there are.
@@ -62,8 +63,6 @@ namespace eval ::tamselbrowser::view::symbol {
   proc draw {id} {
     variable canvas
     variable widest
-    $canvas delete all
-    if {$id eq ""} return
     picture::reset $canvas
     lassign [ports $id input] inputs more_inputs
     lassign [ports $id output] outputs more_outputs
@@ -95,6 +94,22 @@ namespace eval ::tamselbrowser::view::symbol {
     picture::fit $canvas 1.25 title 0.75
   }
 
+  # Another program is current: its symbol is drawn now, or when the canvas comes into sight.
+  proc current {id} {
+    variable canvas
+    variable is_due 1
+    $canvas delete all
+    draw_due
+  }
+  proc draw_due {} {
+    variable canvas
+    variable is_due
+    set id [shown::program]
+    if {!$is_due || ![winfo viewable $canvas] || $id eq "" || ![program::is_read $id]} return
+    set is_due 0
+    draw $id
+  }
+
   # A click on a port chooses its name.
   proc clicked {} {
     variable canvas
@@ -112,6 +127,7 @@ namespace eval ::tamselbrowser::view::symbol {
     ttk::frame $frame -style Paper.TFrame
     picture::create $canvas [namespace code clicked]
     pack $canvas -fill both -expand 1
-    shown::listen program [namespace code draw]
+    bind $canvas <Map> +[namespace code draw_due]
+    shown::listen program [namespace code current]
   }
 }
