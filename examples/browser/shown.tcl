@@ -63,6 +63,7 @@ namespace eval ::tamselbrowser::shown {
   proc select {id} {
     variable program
     variable name
+    work::cancel read
     if {$id ne $program} {
       set program $id
       set name ""

@@ -9,6 +9,7 @@ namespace eval ::tamselbrowser::style {
     input #e6f4ea   input_edge #6fa884
     output #f0e9fa  output_edge #9c82c4
     local #ffffff   local_edge #a7b0bc
+    constant #fbf3dc constant_edge #c7a64f
     chosen #1f2733  wire #a7b0bc  wire_dim #dfe3e8
     keyword #7a3e9d comment #5d7d5d number #0b6b75 found #ffe08a here #e8f0fe
   }

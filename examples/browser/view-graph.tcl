@@ -265,15 +265,14 @@ namespace eval ::tamselbrowser::view::graph {
     variable picture
     variable places
     variable wires
-    set new [cone::picture $id [items $id] $centre]
+    variable number_of {}
+    set picture [cone::picture $id [items $id] $centre]
     picture::reset $canvas
+    # Nothing is drawn while the places are sought, and clicks may come meanwhile.
     set places {}
     set wires {}
-    set picture $new
-    lassign [layout::place [measure $id] [dict get $picture edges]] \
-      new_places new_wires
+    lassign [layout::place [measure $id] [dict get $picture edges]] new_places wires
     set places $new_places
-    set wires $new_wires
     draw_wires
     draw_boxes
     caption $id
@@ -303,6 +302,7 @@ namespace eval ::tamselbrowser::view::graph {
     variable places {}
     variable wires {}
     variable number_of {}
+    work::cancel graph
     picture::reset $canvas
     $frame.bar.caption configure -text ""
     $frame.bar.centre configure -text ""
@@ -313,17 +313,15 @@ namespace eval ::tamselbrowser::view::graph {
     }
   }
 
-  # A name was chosen. The picture stays as it is where that was done in it.
+  # A name was chosen. The picture stays as it is where that was done in it, or it shows everything.
   proc show_chosen {name origin} {
     variable wanted
-    if {$origin ne "graph" || ![is_drawn $name]} {
-      if {$wanted ne "whole" || ![is_drawn $name]} {
-        if {$name ne "" && $wanted eq "whole"} {want both}
-        draw_soon
-        return
-      }
+    if {[is_drawn $name] && ($origin eq "graph" || $wanted eq "whole")} {
+      colour $name
+      return
     }
-    colour $name
+    if {$name ne "" && $wanted eq "whole"} {want both}
+    draw_soon
   }
 
   # Sets what is to be seen, a key of `scopes`.

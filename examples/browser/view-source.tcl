@@ -129,6 +129,7 @@ namespace eval ::tamselbrowser::view::source {
   }
   proc current {id} {
     variable text
+    work::cancel source
     $text configure -state normal
     $text delete 1.0 end
     $text configure -state disabled

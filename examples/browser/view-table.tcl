@@ -140,6 +140,7 @@ namespace eval ::tamselbrowser::view::table {
     variable tree
     variable rows
     variable item_of
+    work::cancel table
     if {$id eq ""} {
       $tree delete [lmap row $rows {lindex $row 0}]
       set rows {}

@@ -51,7 +51,6 @@ namespace eval ::tamselbrowser::window {
   proc close_current {} {
     set id [shown::program]
     if {$id eq ""} return
-    work::stop
     program::close $id
     shown::select [lindex [program::all] 0]
     check_files
@@ -274,7 +273,8 @@ namespace eval ::tamselbrowser::window {
   # Makes the main window.
   proc create {} {
     wm title . "Tamsel"
-    wm geometry . 1280x800
+    wm geometry . [expr {min(1280, [winfo screenwidth .] - 40)}]x[expr {
+      min(800, [winfo screenheight .] - 120)}]
     wm minsize . 720 480
     create_menus
     create_notice

@@ -70,15 +70,20 @@ namespace eval ::tamselbrowser::work {
     coroutine task perform $command
   }
 
-  # Appends a task; `title` says to the user what it does. Tasks of the same key are taken back: a
-  # view that is to show something new no longer wants the old.
-  proc start {task_key task_title command} {
+  # Takes back the tasks of a key, without a word to the user: what they were for is no longer wanted.
+  proc cancel {task_key} {
     variable waiting
     variable key
     variable ending
     set waiting [lsearch -all -inline -not -exact -index 0 $waiting $task_key]
-    lappend waiting [list $task_key $task_title $command]
     if {$key eq $task_key} {set ending REPLACED}
+  }
+
+  # Appends a task in place of those of the same key; `title` says to the user what it does.
+  proc start {task_key title command} {
+    variable waiting
+    cancel $task_key
+    lappend waiting [list $task_key $title $command]
     after idle [namespace code advance]
   }
 
