@@ -23,20 +23,29 @@ lassign {80 560 56 400} left right top bottom
 foreach size $sizes {dict set runs $size [read_run $size]}
 proc cost {measured size} {expr {[dict get $::runs $size $measured] / $size}}
 
-proc decades {values} {
+# The part of a scale with the marks at `parts` of each decade that holds `values`.
+proc marks {values parts} {
     set sorted [lsort -real $values]
-    list [expr {int(floor(log10([lindex $sorted 0])))}] [expr {int(ceil(log10([lindex $sorted end])))}]
+    set first [expr {int(floor(log10([lindex $sorted 0])))}]
+    set last [expr {int(ceil(log10([lindex $sorted end])))}]
+    for {set decade $first} {$decade <= $last} {incr decade} {
+        foreach part $parts {lappend marks [expr {double("${part}e$decade")}]}
+    }
+    set from [lsearch -real -bisect $marks [lindex $sorted 0]]
+    set to [lsearch -real -bisect $marks [lindex $sorted end]]
+    lrange $marks $from [expr {$to + ([lindex $marks $to] < [lindex $sorted end])}]
 }
-lassign [decades $sizes] x_first x_last
 foreach {_ measured _ _} $curves {foreach size $sizes {lappend costs [cost $measured $size]}}
-lassign [decades $costs] y_first y_last
+set x_marks [marks $sizes 1]
+set y_marks [marks $costs {1 2 5}]
 
-proc x_of {size} {
-    format %.1f [expr {$::left + ($::right - $::left) * (log10($size) - $::x_first) / ($::x_last - $::x_first)}]
+# Where `value` lies between the first and the last mark.
+proc place {value marks} {
+    lassign [list [lindex $marks 0] [lindex $marks end]] first last
+    expr {log($value / $first) / log($last / $first)}
 }
-proc y_of {cost} {
-    format %.1f [expr {$::bottom - ($::bottom - $::top) * (log10($cost) - $::y_first) / ($::y_last - $::y_first)}]
-}
+proc x_of {size} {format %.1f [expr {$::left + ($::right - $::left) * [place $size $::x_marks]}]}
+proc y_of {cost} {format %.1f [expr {$::bottom - ($::bottom - $::top) * [place $cost $::y_marks]}]}
 
 proc line {x1 y1 x2 y2 colour {more ""}} {
     puts "  <line x1=\"$x1\" y1=\"$y1\" x2=\"$x2\" y2=\"$y2\" stroke=\"$colour\" $more/>"
@@ -55,19 +64,15 @@ puts "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 $width $height\" w
 puts "  <rect width=\"$width\" height=\"$height\" fill=\"#fff\"/>"
 text $left 30 start "Processor time for each equation of a program" {font-size="16" font-weight="bold"}
 
-for {set decade $x_first} {$decade <= $x_last} {incr decade} {
-    set x [x_of 1e$decade]
+foreach mark $x_marks {
+    set x [x_of $mark]
     line $x $top $x $bottom #ddd
-    text $x [expr {$bottom + 20}] middle [grouped [expr {10 ** $decade}]]
+    text $x [expr {$bottom + 20}] middle [grouped [format %.0f $mark]]
 }
-for {set decade $y_first} {$decade <= $y_last} {incr decade} {
-    foreach part {1 2 5} {
-        if {$decade == $y_last && $part > 1} break
-        set y [y_of ${part}e$decade]
-        line $left $y $right $y [expr {$part == 1 ? "#ccc" : "#eee"}]
-        text [expr {$left - 8}] [expr {$y + 4}] end [format %g ${part}e$decade] \
-            [expr {$part == 1 ? "" : {fill="#777" font-size="11"}}]
-    }
+foreach mark $y_marks {
+    set y [y_of $mark]
+    line $left $y $right $y #ddd
+    text [expr {$left - 8}] [expr {$y + 4}] end [format %g $mark]
 }
 line $left $bottom $right $bottom #444
 line $left $top $left $bottom #444

@@ -9,11 +9,12 @@ proc heading {title columns} {
     puts [format "\n%-46s%5s%s" $title goal [join [lmap column $columns {format " %10s " $column}] ""]]
 }
 
-# A line of a table. `goal` is the most that a value may be, or "-". A value may be empty.
-proc row {what goal shape values} {
+# A line of a table. `goal` is the most that a value may be, or "-"; it holds for programs of `from` equations
+# and more, where `sizes` are those of the values. A value may be empty.
+proc row {what goal shape values {from 0} {sizes ""}} {
     set line [format "%-46s%5s" $what $goal]
-    foreach value $values {
-        set missed [expr {$goal ne "-" && $value ne "" && $value > $goal}]
+    foreach value $values size $sizes {
+        set missed [expr {$goal ne "-" && $value ne "" && $value > $goal && ($size eq "" || $size >= $from)}]
         set shown [if {$value eq ""} {string cat -} {format $shape $value}]
         append line [format %11s%s $shown [string index " !" $missed]]
     }
@@ -67,25 +68,25 @@ if {$check} {
     exit $status
 }
 
-# One program a column.
-proc table {title columns runs} {
+# One program a column. `sizes` are their equations, where the goals depend on them.
+proc table {title columns runs {sizes ""}} {
     heading $title $columns
-    foreach {what goal shape expression} {
-        "load / tokens interned"           3.0  %.2f {$load / $interned}
-        "load / tokens"                    -    %.2f {$load / $tokens}
-        "load / every byte read"           -    %.0f {$load / $bytes}
-        "load, ns a node"                  -    %.0f {1000 * $load / $nodes}
-        "type, ns a node"                  100  %.0f {1000 * $type / $nodes}
-        "dump / its pieces in blocks"      1.5  %.2f {$dump / $pieces}
-        "free / load"                      0.10 %.3f {$free / $load}
-        "memory allocated, bytes a node"   -    %.0f {$allocated / $nodes}
-        "memory resident, bytes a node"    150  %.0f {$resident / $nodes}
+    foreach {what goal from shape expression} {
+        "load / tokens interned"           3.0  10000  %.2f {$load / $interned}
+        "load / tokens"                    -    0      %.2f {$load / $tokens}
+        "load / every byte read"           -    0      %.0f {$load / $bytes}
+        "load, ns a node"                  -    0      %.0f {1000 * $load / $nodes}
+        "type, ns a node"                  100  0      %.0f {1000 * $type / $nodes}
+        "dump / its pieces in blocks"      1.5  0      %.2f {$dump / $pieces}
+        "free / load"                      0.10 0      %.3f {$free / $load}
+        "memory allocated, bytes a node"   -    0      %.0f {$allocated / $nodes}
+        "memory resident, bytes a node"    150  100000 %.0f {$resident / $nodes}
     } {
-        row $what $goal $shape [of_runs $runs $expression]
+        row $what $goal $shape [of_runs $runs $expression] $from $sizes
     }
 }
 
-table equations $sizes $runs
+table equations $sizes $runs $sizes
 set base [lindex $sizes [expr {max(0, [lsearch $sizes 10000])}]]
 foreach {what goal measured} {
     "load in a fresh process, an equation"  1.3 once
