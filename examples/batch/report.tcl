@@ -74,7 +74,7 @@ dict with counts {
         summary {
             set what "$good good, $warning with warnings, $error with errors"
             if {$lost} {append what ", $lost not looked at: --resume tries these again"}
-            puts "tamsel-batch: $total files: $what"
+            puts "tamsel-batch: $total file[expr {$total == 1 ? "" : "s"}]: $what"
             exit [expr {$lost ? 3 : $error ? 1 : 0}]
         }
     }
