@@ -32,7 +32,7 @@ int main(int argc, char* argv[]) {
   for (int i = 0; i < count; ++i) {
     GeneratorOptions options;
     options.seed = i + 1;
-    options.equations = 5 + i % 50;
+    options.equations = 5 + i % 50 * 4;
     std::ostringstream text;
     write_program(options, text);
 
