@@ -88,7 +88,6 @@ namespace eval ::tamselbrowser::style {
     set_theme
     ttk::style configure Treeview -rowheight [expr {[font metrics TkDefaultFont -linespace] + 6}]
     ttk::style configure Faint.TLabel -foreground [colour faint]
-    ttk::style configure Bold.TLabel -font tamselbrowser.bold
     ttk::style configure Title.TLabel -font tamselbrowser.title
     ttk::style configure Error.TLabel -foreground [colour error]
     ttk::style configure Type.TLabel -foreground [colour good] -font tamselbrowser.bold
