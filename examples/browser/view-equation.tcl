@@ -57,6 +57,12 @@ namespace eval ::tamselbrowser::view::equation {
     $frame.text.widget configure -state disabled
   }
 
+  # A click on a name chooses it; that is the way to one that the picture only has as a label.
+  proc clicked {x y} {
+    variable frame
+    source::choose_word [source::word_at $frame.text.widget $x $y] equation
+  }
+
   proc create {window} {
     variable frame $window
     ttk::frame $frame -style Card.TFrame -padding {10 6}
@@ -65,13 +71,15 @@ namespace eval ::tamselbrowser::view::equation {
     ttk::label $frame.head.what -style Paper.TLabel \
       -foreground [style::colour faint]
     set text [style::scrolled $frame.text {text -height 3 -wrap word -relief flat \
-      -borderwidth 0 -highlightthickness 0 -font tamselbrowser.code -state disabled} y Paper.TFrame]
+      -borderwidth 0 -highlightthickness 0 -font tamselbrowser.code -state disabled \
+      -cursor arrow} y Paper.TFrame]
     $text configure -background [style::colour paper] \
       -foreground [style::colour ink]
     source::make_tags $text
     pack $frame.head.name $frame.head.what -side left -padx {0 10}
     pack $frame.head -fill x -pady {0 4}
     pack $frame.text -fill both -expand 1
+    bind $text <ButtonRelease-1> [namespace code {clicked %x %y}]
     shown::listen name [namespace code show]
   }
 }

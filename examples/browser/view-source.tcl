@@ -171,25 +171,34 @@ namespace eval ::tamselbrowser::view::source {
     if {!$is_due} {go_to [line_of $name]}
   }
 
-  # A click: on a name of the program it jumps.
+  # The word of a text widget that was clicked; "" where something was selected instead.
+  proc word_at {widget x y} {
+    if {[$widget tag ranges sel] ne ""} {return ""}
+    $widget get "@$x,$y wordstart" "@$x,$y wordend"
+  }
+
+  # Chooses a word that was clicked in view `origin`, if the program declares it. Returns whether.
+  proc choose_word {word origin} {
+    set id [shown::program]
+    if {$id eq "" || ![program::declares $id $word]} {return 0}
+    log::name $id $word
+    shown::choose $word $origin
+    return 1
+  }
+
+  # A click: on a name of the program, a function's too, it jumps.
   proc clicked {x y} {
     variable text
     variable visited
     variable frame
-    if {[$text tag ranges sel] ne ""} return
-    set name [$text get "@$x,$y wordstart" "@$x,$y wordend"]
-    set id [shown::program]
-    if {$id eq ""} return
-    if {[program::declares $id $name]} {
-      lappend visited [$text index @0,0]
-      $frame.bar.back state !disabled
-      log::name $id $name
-      shown::choose $name source
-    } elseif {[line_of $name] > 0} {
-      lappend visited [$text index @0,0]
-      $frame.bar.back state !disabled
-      go_to [line_of $name]
+    set from [$text index @0,0]
+    set word [word_at $text $x $y]
+    if {![choose_word $word source]} {
+      if {[line_of $word] == 0} return
+      go_to [line_of $word]
     }
+    lappend visited $from
+    $frame.bar.back state !disabled
   }
 
   # To where the last jump came from.

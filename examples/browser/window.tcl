@@ -166,6 +166,7 @@ namespace eval ::tamselbrowser::window {
       {Table: type a part of a name, or a pattern with * and ?; click a heading to sort.}
       {Dependencies: click a name for its equation; double click to draw its cone.}
       {Wheel to zoom, drag to move, Fit to see it all.}
+      {Equation: click a name in it to choose that one.}
       {Source: click a name to jump to its equation, Back to return.}
       {Expression: type one; its type, or what is wrong with it, stands beside it.}
     } \n]
