@@ -1,7 +1,7 @@
 # plan.tcl K/N SLOTS FILES-PER-JOB OUTPUT: cuts the K-th of N parts of the files that were found into jobs.
 #
 # A job has FILES-PER-JOB files; where that is empty 500, or so many fewer that each of SLOTS processes gets
-# eight jobs. OUTPUT is empty where nothing is written. Where there is nothing to do, or two files would be
+# four jobs. OUTPUT is empty where nothing is written. Where there is nothing to do, or two files would be
 # written to one place, says so on standard output and ends with status 1.
 
 source [file join [file dirname [info script]] state.tcl]
@@ -32,7 +32,7 @@ for {set i [expr {$part - 1}]} {$i < [llength $files]} {incr i $parts} {
     lappend mine [lindex $files $i]
 }
 if {$files_per_job eq ""} {
-    set files_per_job [expr {max(1, min(500, [llength $mine] / (8 * $slots)))}]
+    set files_per_job [expr {max(1, min(500, [llength $mine] / (4 * $slots)))}]
 }
 for {set job 0} {$job * $files_per_job < [llength $mine]} {incr job} {
     set first [expr {$job * $files_per_job}]
