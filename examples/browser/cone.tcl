@@ -16,22 +16,20 @@ namespace eval ::tamselbrowser::cone {
       || [program::use_count $id $name] > $most_wires}
   }
 
-  # Up to `most_items` names within `depth` steps of `centre` in the directions `back` (what is
-  # needed) and `forth` (what needs it), the nearest first. Labels are not followed.
-  proc collect {id centre depth directions} {
+  # Up to `most_items` names within `depth` steps of `centre`, itself and the nearest first, as the keys
+  # of a dictionary. `way` is the operation of program that leads on: needs or users. Labels are not
+  # followed.
+  proc collect {id centre depth way} {
     variable most_items
-    dict set items $centre 0
+    dict set items $centre 1
     set edge [list $centre]
     for {set step 1} {$step <= $depth && $edge ne ""} {incr step} {
       set next {}
       foreach name $edge {
-        set found {}
-        if {"back" in $directions} {lappend found {*}[dict keys [program::needs $id $name]]}
-        if {"forth" in $directions} {lappend found {*}[dict keys [program::users $id $name]]}
-        foreach other $found {
+        foreach other [dict keys [program::$way $id $name]] {
           if {[dict exists $items $other] || [is_label $id $other]} continue
           if {[dict size $items] >= $most_items} {return $items}
-          dict set items $other $step
+          dict set items $other 1
           lappend next $other
         }
       }
@@ -40,18 +38,15 @@ namespace eval ::tamselbrowser::cone {
     return $items
   }
 
-  # The cone about a name: what it needs and what needs it, each way on its own, so that what merely
-  # shares a need with it stays out.
-  proc about {id centre depth directions} {
+  # The names of the cone about one: what it needs and what needs it, as far as `ways` has needs and
+  # users; each way on its own, so that what merely shares a need with it stays out.
+  proc about {id centre depth ways} {
     variable most_items
-    set items [dict create $centre 0]
-    set found {}
-    foreach direction $directions {
-      set names [lrange [dict keys [collect $id $centre $depth $direction]] 1 end]
-      lappend found $names
-    }
+    set found [lmap way $ways {lrange [dict keys [collect $id $centre $depth $way]] 1 end}]
+    set longest [tcl::mathfunc::max {*}[lmap names $found {llength $names}]]
+    dict set items $centre 1
     # In turns, so that neither way takes all the room.
-    for {set i 0} {$i < [llength [lindex $found 0]] || $i < [llength [lindex $found end]]} {incr i} {
+    for {set i 0} {$i < $longest} {incr i} {
       foreach names $found {
         if {$i < [llength $names] && [dict size $items] < $most_items} {
           dict set items [lindex $names $i] 1
@@ -67,7 +62,7 @@ namespace eval ::tamselbrowser::cone {
     set items {}
     foreach name [program::names_of $id output] {
       if {[dict size $items] >= $most_items} break
-      set items [dict merge $items [collect $id $name 1000 back]]
+      set items [dict merge $items [collect $id $name $most_items needs]]
     }
     foreach name [program::details $id names] {
       if {[dict size $items] >= $most_items} break

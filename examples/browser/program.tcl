@@ -173,14 +173,14 @@ namespace eval ::tamselbrowser::program {
         lappend names $name
         set kind($name) $its_kind
         set index($name) $i
-        set its_type [call $id $word-type $i]
-        set type($name) [expr {$its_type eq "<unamed-type>" ? "?" : $its_type}]
+        # As the texts write a type that is not declared.
+        set type($name) [string map {<unamed-type> ?} [call $id $word-type $i]]
         work::pause $i $number
       }
     }
   }
 
-  # Finds out everything about a program. A task: where it is stopped, nothing is known as before.
+  # Finds out everything about a program. A task: where it is stopped, nothing is known afterwards.
   proc read_details {id} {
     variable attribute
     forget_details $id
@@ -201,8 +201,7 @@ namespace eval ::tamselbrowser::program {
     set done 0
     try {
       read_declarations $id $facts
-      set ${facts}::text [files::captured [list \
-        [namespace current]::call $id dump]]
+      set ${facts}::text [files::captured [namespace code [list call $id dump]]]
       quarel::read [set ${facts}::text] $facts
       set done 1
     } finally {

@@ -21,7 +21,7 @@ namespace eval ::tamselbrowser::report {
       return [list $message $line]
     }
     if {$owner eq "TAMSEL" && $kind eq "IO"} {return [list [lindex $code 4] 0]}
-    if {$owner eq "POSIX"} {return [list $message 0]}
+    if {$owner eq "POSIX"} {return [list [lindex $code 2] 0]}
     list [message $result] 0
   }
 

@@ -242,8 +242,7 @@ namespace eval ::tamselbrowser::view::graph {
       }
     }
     if {$centre eq ""} {return [cone::whole $id]}
-    cone::about $id $centre $depth \
-      [dict get {both {back forth} back back forth forth} $wanted]
+    cone::about $id $centre $depth [dict get {both {needs users} back needs forth users} $wanted]
   }
 
   # Shows all of the picture; where that would be too small to read, the part about the chosen name.

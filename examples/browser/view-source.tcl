@@ -91,6 +91,8 @@ namespace eval ::tamselbrowser::view::source {
         string range $line 0 $longest_line
       }] \n]
       set at [$text index "end - 1 char"]
+      # It was in sight, and empty.
+      unset -nocomplain coloured([lindex [split $at .] 0])
       $text configure -state normal
       $text insert end $piece
       $text configure -state disabled
@@ -124,8 +126,14 @@ namespace eval ::tamselbrowser::view::source {
     if {!$is_due || $id eq "" || ![program::is_read $id]} return
     set is_due 0
     if {$shows eq "quarel"} {program::say $id dump}
-    work::start source "Showing [program::label $id]" \
-      [namespace code [list put [content $id]]]
+    try {
+      set content [content $id]
+    } on error {result options} {
+      set content ""
+      shown::tell failed "Could not show the file" \
+        [list [list [program::file_of $id] $result $options]]
+    }
+    work::start source "Showing [program::label $id]" [namespace code [list put $content]]
   }
   proc current {id} {
     variable text
@@ -250,6 +258,13 @@ namespace eval ::tamselbrowser::view::source {
     show_soon
   }
 
+  # The text was scrolled.
+  proc scrolled {first last} {
+    variable frame
+    $frame.text.y set $first $last
+    colour_visible
+  }
+
   proc create_bar {bar} {
     ttk::frame $bar -padding {8 6} -style Paper.TFrame
     ttk::combobox $bar.shows -state readonly -width 12 -values {"Quarel text" "EC file"}
@@ -295,12 +310,5 @@ namespace eval ::tamselbrowser::view::source {
     bind $text <Control-f> "focus $frame.bar.wanted; break"
     shown::listen program [namespace code current]
     shown::listen name [namespace code show_chosen]
-  }
-
-  # The text was scrolled.
-  proc scrolled {first last} {
-    variable frame
-    $frame.text.y set $first $last
-    colour_visible
   }
 }
