@@ -126,7 +126,7 @@ class PtyStream {
   // The automatic break before a piece of `length`.
   void break_line(size_t length);
   void write(const char* text, size_t length) {
-    if (length > room_) {
+    if (length >= room_) {
       write_through(text, length);
     } else {
       std::memcpy(cursor_, text, length);
