@@ -9,7 +9,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 (($# > 0)) || set -- "$root/examples/thermostat.ec"
 
 "$root/scripts/setup.sh" build
-"$root/scripts/build.sh" release
+"$root/scripts/build.sh" release dorvik
 
 # The library beside its index, without Tk: what is shown needs no display.
 exec env TAMSEL_TK=0 TCLLIBPATH="{$root/build/release}" tclsh8.6 "$root/scripts/show.tcl" "$@"
