@@ -1,6 +1,6 @@
 // ecshow FILE: reads an EC program, types its equations and writes it again as EC text.
 //
-// The exit status is 1 where the text is not well formed, or an equation ill-typed.
+// The exit status is 1 where the file holds no well-formed program, or an equation is ill-typed.
 #include <cstdio>
 
 #include "reader/reader.h"
@@ -48,14 +48,17 @@ int main(int argc, char* argv[]) {
   SymbolTable symbols;  // outlives the program
   EcPrg program;
   program.EcPrgInit(&symbols);
-  if (EcParse(&program, &symbols, argv[1]) != 0) {
-    std::fprintf(stderr, "%s: %s\n", argv[1], program.error_message);
+  // An empty file is well formed, but has no node.
+  if (EcParse(&program, &symbols, argv[1]) != 0 || program.name == 0) {
+    const char* reason = program.error_message;
+    std::fprintf(stderr, "%s: %s\n", argv[1], reason[0] != '\0' ? reason : "no program");
     return 1;
   }
   int wrong = show_variables(program, program.inputs);
   wrong += show_variables(program, program.outputs);
   wrong += show_variables(program, program.locals);
-  wrong += static_cast<int>(program.print_ec());
+  const bool written = program.print_ec() == 0;
   std::printf("\n");
-  return wrong > 0;
+  if (!written) std::fprintf(stderr, "%s: %s\n", argv[1], program.error_message);
+  return wrong > 0 || !written;
 }

@@ -16,8 +16,12 @@ trap 'rm -rf "$folder"' EXIT
 prefix=$folder/prefix
 "$root/scripts/quietly.sh" cmake --install "$build" --prefix "$prefix"
 
-check() {  # PROGRAM: it shows the example as is kept
+check() {  # PROGRAM: it shows the example as is kept, and refuses an empty file
   "$1" "$root/examples/thermostat.ec" | diff "$root/examples/expected/ecshow.out" -
+  [[ $("$1" /dev/null 2>&1) == "/dev/null: no program" ]] || {
+    echo "$1 takes an empty file for a program"
+    exit 1
+  }
 }
 
 "$root/scripts/quietly.sh" cmake -G Ninja -S "$root/examples/cpp" -B "$folder/build" \
