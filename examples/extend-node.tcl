@@ -31,5 +31,7 @@ for {set i 0} {$i < [node nb-outs]} {incr i} {
 }
 
 puts "after: [node profile]"
-puts "[node nb-locs] locals, the last is [node loc-name [expr {[node nb-locs] - 1}]]"
+set locals {}
+for {set i 0} {$i < [node nb-locs]} {incr i} {lappend locals [node loc-name $i]}
+puts "locals: $locals"
 exit

@@ -89,9 +89,13 @@ proc main {files} {
         ::tclreadline::readline customcompleter complete
     }
     foreach file $files {
-        set name [file rootname [file tail $file]]
+        # Not in place of a command that is there already.
+        for {set name [file rootname [file tail $file]]} {[namespace which $name] ne ""} {append name _} {}
         ecprg $name
-        $name load $file
+        if {[catch {$name load $file}]} {
+            puts stderr "$file: [lindex $::errorCode end]"
+            rename $name {}
+        }
     }
     puts "Programs: [join [objects] {, }]. `help` prints all commands, `exit` leaves."
     while 1 {
