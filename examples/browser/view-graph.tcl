@@ -226,8 +226,20 @@ namespace eval ::tamselbrowser::view::graph {
       $centre tamselbrowser.bold 170]"}]
   }
 
-  # The names to draw. Where nothing is chosen, a small program is drawn whole, of a large one the
-  # cone of its first output.
+  # The output among the first ones whose cone is the largest; "" where there is none.
+  proc richest_output {id} {
+    variable depth
+    set richest ""
+    set most 0
+    foreach name [lrange [program::names_of $id output] 0 19] {
+      set size [dict size [cone::collect $id $name $depth needs]]
+      if {$size > $most} {lassign [list $size $name] most richest}
+    }
+    return $richest
+  }
+
+  # The names to draw. Where nothing is chosen, a small program is drawn whole, of a large one a cone
+  # that shows something.
   proc items {id} {
     variable centre
     variable wanted
@@ -238,7 +250,7 @@ namespace eval ::tamselbrowser::view::graph {
     if {$wanted ne "whole"} {
       set centre [shown::name]
       if {$centre eq "" && [llength $names] > $small} {
-        set centre [lindex [program::names_of $id output] 0]
+        set centre [richest_output $id]
       }
     }
     if {$centre eq ""} {return [cone::whole $id]}
