@@ -102,7 +102,8 @@ foreach {what goal measured} {
     }]
 }
 dict for {what values} $commands {
-    row $what [expr {[string match "*minimal command" $what] ? 1.15 : 1.3}] %.2f $values
+    row $what [switch -glob $what {*minimal* {string cat 1.15} exp,* {string cat 1.3} default {string cat -}}] \
+        %.2f $values
 }
 
 set shapes {small large long-names ordinary colliding chain}
