@@ -53,7 +53,7 @@ int EcPrgVar::init(const Operation&, int nparams, const char* params[]) {
 }
 
 FILE* EcPrgVar::open_file(const Operation& operation, const char* name) {
-  FILE* file = std::fopen(SystemText(name).c_str(), "r");
+  FILE* file = open_by_name(name, "r");
   if (file == nullptr) call_error(io_error(name), "%s: can't open file '%s'", operation.word, name);
   return file;
 }
@@ -113,7 +113,7 @@ int EcPrgVar::load(const Operation& operation, int, const char* params[]) {
 
 int EcPrgVar::dump(const Operation& operation, int nparams, const char* params[]) {
   const char* name = nparams == 1 ? params[0] : "stdout";
-  FILE* file = nparams == 1 ? std::fopen(SystemText(name).c_str(), "w") : stdout;
+  FILE* file = nparams == 1 ? open_by_name(name, "w") : stdout;
   if (file == nullptr)
     return call_error(io_error(name), "%s: can't open file '%s'", operation.word, name);
   Verbose("--dumping in %s ....\n", name);

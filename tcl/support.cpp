@@ -1,6 +1,7 @@
 #include "tcl/support.h"
 
 #include <cerrno>
+#include <cstring>
 
 ErrorCode io_error(const char* name) { return {{"IO", Tcl_ErrnoId(), name, Tcl_ErrnoMsg(errno)}}; }
 
@@ -68,4 +69,16 @@ int report_out_of_memory(Tcl_Interp* interp) {
   Tcl_SetObjResult(interp, Tcl_NewStringObj("Dorvik: out of memory", -1));
   Tcl_SetErrorCode(interp, "TAMSEL", "STATE", "MEMORY", nullptr);
   return TCL_ERROR;
+}
+
+FILE* open_by_name(const char* word, const char* mode) {
+  Tcl_DString name;
+  const char* path = Tcl_UtfToExternalDString(nullptr, word, -1, &name);
+  // The system would cut the name at a NUL, and open another file.
+  const bool whole = std::strlen(path) == static_cast<size_t>(Tcl_DStringLength(&name));
+  FILE* file = whole ? std::fopen(path, mode) : nullptr;
+  const int reason = whole ? errno : ENOENT;
+  Tcl_DStringFree(&name);
+  errno = reason;
+  return file;
 }

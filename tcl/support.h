@@ -6,6 +6,7 @@
 #include <tcl.h>
 #include <tk.h>
 
+#include <cstdio>
 #include <new>
 #include <string>
 
@@ -47,18 +48,8 @@ int run_command(Tcl_Interp* interp, Command command) {
   }
 }
 
-// A word of a script in the encoding of the system, as file names have it.
-class SystemText {
- public:
-  explicit SystemText(const char* word) { Tcl_UtfToExternalDString(nullptr, word, -1, &text_); }
-  ~SystemText() { Tcl_DStringFree(&text_); }
-  SystemText(const SystemText&) = delete;
-  SystemText& operator=(const SystemText&) = delete;
-
-  const char* c_str() const { return Tcl_DStringValue(&text_); }
-
- private:
-  Tcl_DString text_;
-};
+// Opens the file that a word of a script names, which has its name in the encoding of the system.
+// As fopen does, hands over the stream, or answers null and sets errno.
+FILE* open_by_name(const char* word, const char* mode);
 
 #endif
