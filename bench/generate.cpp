@@ -10,8 +10,9 @@
 
 namespace {
 
-void write_random(int size, int expression_size, bool long_names) {
+void write_random(int size, int expression_size, bool long_names, int reach = 1000) {
   GeneratorOptions options;
+  options.reach = reach;
   options.equations = size;
   options.expression_size = expression_size;
   options.long_names = long_names;
@@ -55,6 +56,7 @@ const struct {
   void (*write)(int size);
 } shapes[] = {
     {"random", [](int size) { write_random(size, 10, false); }},
+    {"scattered", [](int size) { write_random(size, 10, false, 0); }},  // names from anywhere
     {"small", [](int size) { write_random(size, 2, false); }},
     {"large", [](int size) { write_random(size, 50, false); }},
     {"long-names", [](int size) { write_random(size, 10, true); }},

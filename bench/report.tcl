@@ -106,7 +106,7 @@ dict for {what values} $commands {
         %.2f $values
 }
 
-set shapes {small large long-names ordinary colliding chain}
+set shapes {small large long-names scattered ordinary colliding chain}
 table "shapes: expressions, names, a chain" $shapes [lmap shape $shapes {read_run $shape}]
 row "load, colliding / ordinary names" 1.5 %.2f $collisions
 heading "profile of so many inputs" [set wide [lsort -integer [dict keys $profile]]]

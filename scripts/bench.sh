@@ -62,7 +62,7 @@ measure_all() {
     measure $shape "$shape_size" '^(load|interned|tokens|bytes)$'
   done
   if [[ -z $check ]]; then
-    for shape in small large long-names; do
+    for shape in small large long-names scattered; do
       generate $shape "$shape_size" $shape
       load_fresh $shape
       measure $shape "$shape_size" .

@@ -1,5 +1,6 @@
 #include "tests/generator.h"
 
+#include <algorithm>
 #include <ostream>
 #include <random>
 #include <string>
@@ -42,6 +43,7 @@ class Generator {
     out_ << "let\n";
     for (const Equation& equation : equations_) write_equation(equation);
     for (int i = 0; options_.assertions && i <= options_.equations / 10; ++i) {
+      around_ = 10 * i;
       out_ << "  assert ";
       write_expression(BOOL, options_.expression_size);
       out_ << ";\n";
@@ -124,6 +126,7 @@ class Generator {
   }
 
   void write_equation(const Equation& equation) {
+    around_ = equation.first;
     if (equation.function == nullptr) {
       out_ << "  " << name(equation.first) << " = ";
       write_expression(type_of(equation.first), options_.expression_size);
@@ -146,6 +149,13 @@ class Generator {
     out_ << ")";
   }
 
+  int variable_within_reach() {
+    const int count = static_cast<int>(types_.size());
+    const int reach = options_.reach > 0 ? std::min(options_.reach, count) : count;
+    const int first = std::clamp(around_ - reach / 2, 0, count - reach);
+    return first + random(reach);
+  }
+
   void write_leaf(int type) {
     static const char* const literals[] = {"true", "7", "0.5", "green", "k_thing"};
     static const char* const constants[] = {"k_bool", "k_int", "k_real", "red", "k_thing"};
@@ -153,8 +163,8 @@ class Generator {
       out_ << (one_in(2) ? literals : constants)[type];
       return;
     }
-    // A variable near by, or else an input of the type.
-    const int variable = random(static_cast<int>(types_.size()));
+    // A variable within reach, or else an input of the type.
+    const int variable = variable_within_reach();
     const int input = -(type == BOOL ? type_count_ : type) - (one_in(2) ? type_count_ : 0);
     out_ << name(type_of(variable) == type ? variable : input);
   }
@@ -258,6 +268,7 @@ class Generator {
   int type_count_ = 0;
   std::vector<int> types_;  // of the variables
   std::vector<Equation> equations_;
+  int around_ = 0;  // the variable whose equation is being written
 };
 
 }  // namespace

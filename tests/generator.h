@@ -11,7 +11,10 @@ struct GeneratorOptions {
   unsigned seed = 1;
   int equations = 10;        // from 1; a tuple equation counts as one
   int expression_size = 10;  // operators in an equation, about
-  bool long_names = false;   // names of some 50 characters instead of 2 or 3
+  // How many variables around its own an equation mentions, as programs do that were put together
+  // of parts; 0: any.
+  int reach = 0;
+  bool long_names = false;  // names of some 50 characters instead of 2 or 3
   bool tuple_equations = false;
   bool clocks = true;  // some variables run on a clock of their own
   bool types = true;   // abstract and enumerated types, with constants
