@@ -31,7 +31,7 @@ void walk(Exp* root, Visitor& visitor) {
   Frame* path = few;        // from the root
   size_t room = 32;
   size_t depth = 0;
-  const auto open = [&](Exp* exp) {
+  const auto open = [&](Exp * exp) __attribute__((always_inline)) {
     if (depth == room) {
       std::vector<Frame> larger(path, path + depth);
       larger.resize(room *= 2);

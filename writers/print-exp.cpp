@@ -72,7 +72,13 @@ class ExpPrinter : public ExpVisitor {
   ExpPrinter(const ExpNotation& notation, bool by_structure, PtyStream* out, SymbolTable* symbols)
       : notation_(notation), by_structure_(by_structure), out_(out), symbols_(symbols) {}
 
-  bool enter(Exp* exp, Exp* parent, int place);
+  // Inline as far as names go, which most nodes are.
+  bool enter(Exp* exp, Exp* parent, int place) {
+    if (takes_tuple(parent)) return place == 0;
+    if (exp->ident == 0 || (by_structure_ && parent == nullptr)) return enter_node(exp, parent);
+    out_->put_text(symbols_->name(exp->ident));
+    return false;
+  }
   void between(Exp* exp, int place);
   void leave(Exp* exp, Exp* parent);
 
@@ -88,6 +94,7 @@ class ExpPrinter : public ExpVisitor {
   const Layout& layout_of(const Exp* exp) const {
     return layouts_[exp->nature < EXP_NATURES ? exp->nature : ERROR_n];
   }
+  bool enter_node(Exp* exp, Exp* parent);
   bool open(Exp* exp);
 
   void write(int number) { out_->put(number); }
@@ -135,12 +142,7 @@ class ExpPrinter : public ExpVisitor {
   SymbolTable* const symbols_;
 };
 
-bool ExpPrinter::enter(Exp* exp, Exp* parent, int place) {
-  if (takes_tuple(parent)) return place == 0;
-  if (exp->ident != 0 && !(by_structure_ && parent == nullptr)) {
-    out_->put_text(symbols_->name(exp->ident));
-    return false;
-  }
+bool ExpPrinter::enter_node(Exp* exp, Exp* parent) {
   if (is_marked(parent)) {
     if (exp->get_int_info(Iprint_current_mark) != 0) {
       out_->put_literal("WARNING : RECURSION ");
