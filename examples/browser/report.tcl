@@ -25,14 +25,20 @@ namespace eval ::tamselbrowser::report {
     list [message $result] 0
   }
 
-  # Line `line` of a file, shortened; "" where it cannot be read.
-  proc line_of {file line} {
+  # Line `line` of a file and the one before it, numbered and shortened; "" where they cannot be read.
+  # The reader has looked beyond what it complains of, and counts the line where it stopped.
+  proc lines_to {file line} {
     try {
-      set found [lindex [split [files::contents $file] \n] $line-1]
-      return [string range [string trim $found] 0 100]
+      set lines [split [files::contents $file] \n]
     } on error {} {
       return ""
     }
+    set text ""
+    foreach number [list [expr {$line - 1}] $line] {
+      set its_text [string range [string trimright [lindex $lines $number-1]] 0 100]
+      if {$its_text ne ""} {append text "\n    $number: $its_text"}
+    }
+    return $text
   }
 
   # One failure as text: where, then what, and the line itself.
@@ -40,10 +46,7 @@ namespace eval ::tamselbrowser::report {
     lassign [explain $result [dict get $options -errorcode]] what line
     if {$file eq ""} {return $what}
     if {$line == 0} {return "$file\n$what"}
-    set text "$file, line $line\n$what"
-    set its_line [line_of $file $line]
-    if {$its_line ne ""} {append text "\n    $its_line"}
-    return $text
+    return "$file, line $line\n$what[lines_to $file $line]"
   }
 
   # Shows a dialog; `action` is what could not be done, `failures` a list of {FILE RESULT OPTIONS}.
@@ -53,33 +56,16 @@ namespace eval ::tamselbrowser::report {
     set texts [lmap failure [lrange $failures 0 $most_shown-1] {describe {*}$failure}]
     set more [expr {[llength $failures] - $most_shown}]
     if {$more > 0} {lappend texts "and $more more"}
-    destroy .error
-    toplevel .error -background [style::colour frame] -padx 18 -pady 14
-    wm title .error "Tamsel"
-    wm transient .error .
-    ttk::label .error.action -text $action -style Title.TLabel -wraplength 560 -justify left
-    set text [style::scrolled .error.what \
-      [list text -width 72 -height 6 -wrap word -relief flat -padx 10 -pady 8 \
-        -font TkDefaultFont -background [style::colour paper] \
-        -foreground [style::colour ink]] y]
-    $text insert end [join $texts \n\n]
+    style::dialog .error "Tamsel" $action [namespace code [list list_texts [join $texts \n\n]]]
+  }
+  proc list_texts {text} {
+    set widget [style::scrolled .error.what \
+      [list text -width 72 -wrap word -relief flat -padx 10 -pady 8 -font TkDefaultFont \
+        -background [style::colour paper] -foreground [style::colour ink]] y]
+    $widget insert end $text
     # As high as it needs to be, within reason.
-    $text configure -state disabled \
-      -height [expr {min(18, max(3, [regexp -all \n [join $texts \n\n]] + 2))}]
-    ttk::button .error.close -text "Close" -command {destroy .error} -default active
-    grid .error.action -sticky w -pady {0 10}
-    grid .error.what -sticky nsew
-    grid .error.close -sticky e -pady {12 0}
-    grid columnconfigure .error 0 -weight 1
-    grid rowconfigure .error 1 -weight 1
-    bind .error <Return> {destroy .error}
-    bind .error <Escape> {destroy .error}
-    # Over the main window, also where no window manager places it.
-    update idletasks
-    set x [expr {[winfo rootx .] + max(0, [winfo width .] - [winfo reqwidth .error]) / 2}]
-    set y [expr {[winfo rooty .] + max(0, [winfo height .] - [winfo reqheight .error]) / 3}]
-    wm geometry .error +$x+$y
-    focus .error.close
+    $widget configure -state disabled \
+      -height [expr {min(18, max(3, [regexp -all \n $text] + 2))}]
   }
 
   # For what no one foresaw, in place of Tk's dialog with its trace.

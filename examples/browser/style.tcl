@@ -139,4 +139,28 @@ namespace eval ::tamselbrowser::style {
     }
     return "[string range $text 0 $low-1]…"
   }
+
+  # Shows a dialog over the main window: a heading, below it the widget .what that `script` makes in
+  # it, and a button to close it. It does not wait for the user.
+  proc dialog {window title heading script} {
+    destroy $window
+    toplevel $window -background [colour frame] -padx 18 -pady 14
+    wm title $window $title
+    wm transient $window .
+    ttk::label $window.heading -text $heading -style Title.TLabel -wraplength 560 -justify left
+    uplevel 1 $script
+    ttk::button $window.close -text "Close" -command [list destroy $window] -default active
+    grid $window.heading -sticky w -pady {0 10}
+    grid $window.what -sticky nsew
+    grid $window.close -sticky e -pady {12 0}
+    grid columnconfigure $window 0 -weight 1
+    grid rowconfigure $window 1 -weight 1
+    foreach key {Return Escape} {bind $window <$key> [list destroy $window]}
+    # Also where no window manager places it.
+    update idletasks
+    set x [expr {[winfo rootx .] + max(0, [winfo width .] - [winfo reqwidth $window]) / 2}]
+    set y [expr {[winfo rooty .] + max(0, [winfo height .] - [winfo reqheight $window]) / 3}]
+    wm geometry $window +$x+$y
+    focus $window.close
+  }
 }

@@ -156,12 +156,7 @@ namespace eval ::tamselbrowser::window {
   }
 
   proc help {} {
-    destroy .help
-    toplevel .help -background [style::colour frame] -padx 18 -pady 14
-    wm title .help "Tamsel browser"
-    wm transient .help .
-    ttk::label .help.title -text "What the mouse does" -style Title.TLabel
-    ttk::label .help.text -justify left -text [join {
+    style::dialog .help "Tamsel browser" "What the mouse does" {ttk::label .help.what -text [join {
       {Tree: choose a program, or one kind of its names.}
       {Table: type a part of a name, or a pattern with * and ?; click a heading to sort.}
       {Dependencies: click a name for its equation; double click to draw its cone.}
@@ -169,13 +164,7 @@ namespace eval ::tamselbrowser::window {
       {Equation: click a name in it to choose that one.}
       {Source: click a name to jump to its equation, Back to return.}
       {Expression: type one; its type, or what is wrong with it, stands beside it.}
-    } \n]
-    ttk::button .help.close -text "Close" -command {destroy .help}
-    grid .help.title -sticky w -pady {0 10}
-    grid .help.text -sticky w
-    grid .help.close -sticky e -pady {12 0}
-    bind .help <Escape> {destroy .help}
-    focus .help.close
+    } \n]}
   }
 
   # Adds entries to a menu: rows of {LABEL KEY SCRIPT}, "-" for a line. Keys work in all the window.
