@@ -127,8 +127,8 @@ namespace eval ::tamselbrowser::view::log {
     ttk::button $frame.bar.clear -text "Clear" -command [namespace code clear]
     set text [style::scrolled $frame.lines {text -height 4 -wrap none -relief flat \
       -borderwidth 0 -highlightthickness 0 -padx 8 -pady 4 -font tamselbrowser.code -state disabled} y]
-    $text configure -background [style::colour paper] \
-      -foreground [style::colour ink]
+    $text configure -height [expr {[winfo screenheight .] < 700 ? 2 : 4}] \
+      -background [style::colour paper] -foreground [style::colour ink]
     pack $frame.bar -fill x -pady {0 4}
     pack $frame.bar.label -side left
     pack $frame.bar.clear $frame.bar.copy -side right -padx {6 0}

@@ -276,8 +276,10 @@ namespace eval ::tamselbrowser::view::source {
     ttk::button $bar.previous -text "Previous" -command [namespace code {search -backwards}]
     ttk::button $bar.next -text "Next" -command [namespace code {search -forwards}]
     ttk::label $bar.answer -style Paper.TLabel -foreground [style::colour faint]
-    pack $bar.shows $bar.back $bar.label $bar.wanted $bar.previous $bar.next $bar.answer \
-      -side left -padx {0 8}
+    grid $bar.shows $bar.back $bar.label $bar.wanted $bar.previous $bar.next $bar.answer \
+      -sticky ew -padx {0 8}
+    # These give way where the window is narrow.
+    grid columnconfigure $bar [list $bar.wanted $bar.answer] -weight 1
     bind $bar.shows <<ComboboxSelected>> [namespace code shows_picked]
     bind $bar.wanted <Return> [namespace code {search -forwards}]
     bind $bar.wanted <Shift-Return> [namespace code {search -backwards}]

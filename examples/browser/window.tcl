@@ -233,7 +233,7 @@ namespace eval ::tamselbrowser::window {
     view::table::create .body.left.table
     .body.left add .body.left.programs
     .body.left add .body.left.table -weight 1
-    ttk::frame .body.right
+    ttk::panedwindow .body.right -orient vertical
     set tabs [ttk::notebook .body.right.tabs]
     view::graph::create $tabs.graph
     view::symbol::create $tabs.symbol
@@ -242,8 +242,8 @@ namespace eval ::tamselbrowser::window {
     $tabs add $tabs.symbol -text "Block symbol"
     $tabs add $tabs.source -text "Source"
     view::equation::create .body.right.equation
-    pack .body.right.equation -side bottom -fill x -pady {8 0}
-    pack $tabs -fill both -expand 1
+    .body.right add $tabs -weight 1
+    .body.right add .body.right.equation
     .body add .body.left
     .body add .body.right -weight 1
   }
@@ -276,6 +276,9 @@ namespace eval ::tamselbrowser::window {
       grid $window -row $row -column 0 -sticky nsew
     }
     grid configure .body -padx 10 -pady {8 2}
+    # In a narrow window the names leave room for the picture.
+    update idletasks
+    .body sashpos 0 [expr {min([.body sashpos 0], [winfo width .] * 3 / 8)}]
     grid remove .notice
     grid rowconfigure . 1 -weight 1
     grid columnconfigure . 0 -weight 1
