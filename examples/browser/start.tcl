@@ -110,6 +110,8 @@ Shows EC programs in a window.
       }
       shown::choose [dict get $options name]
     }
+    # A choice would lead from the whole program to a cone.
+    set_picture $options
     set path [dict get $options export]
     set format [string tolower [string range [file extension $path] 1 end]]
     set drawn [expr {[dict exists $options symbol] ? "symbol" : "graph"}]
@@ -129,13 +131,13 @@ Shows EC programs in a window.
       fail "could not start: [lindex [split [string trim $result] \n] end]"
     }
     start
-    set_picture $options
     if {[dict exists $options export]} {
       if {[catch {export_only $options} result detail]} {
         fail [report::describe [lindex [dict get $options files] 0] $result $detail]
       }
       exit 0
     }
+    set_picture $options
     if {[dict exists $options name]} {
       shown::listen program [namespace code [list choose_name [dict get $options name]]]
     }

@@ -4,13 +4,11 @@ namespace eval ::tamselbrowser::view::expression {
   namespace path {::tamselbrowser::view ::tamselbrowser}
 
   variable frame ""
-  variable pending ""   ;# the delayed answer
   variable said ""      ;# the expression last shown among the commands
 
   # Answers what stands in the line.
   proc answer {} {
     variable frame
-    variable pending ""
     set expression [string trim [$frame.line get]]
     set id [shown::program]
     if {$expression eq "" || $id eq ""} {
@@ -44,9 +42,7 @@ namespace eval ::tamselbrowser::view::expression {
   }
 
   proc answer_soon {} {
-    variable pending
-    after cancel $pending
-    set pending [after 250 [namespace code answer]]
+    work::when_quiet 250 [namespace code answer]
   }
 
   # Another program is current: what stands in the line may mean something else.

@@ -238,27 +238,28 @@ namespace eval ::tamselbrowser::view::graph {
     return $richest
   }
 
-  # The names to draw. Where nothing is chosen, a small program is drawn whole, of a large one a cone
-  # that shows something.
+  # The name whose cone is to be drawn; "" for the whole. Where nothing is chosen, a small program is
+  # drawn whole, of a large one a cone that shows something.
+  proc wanted_centre {id} {
+    variable wanted
+    variable small
+    if {$wanted eq "whole"} {return ""}
+    set name [shown::name]
+    if {$name eq "" && [llength [program::details $id names]] > $small} {return [richest_output $id]}
+    return $name
+  }
+
+  # The names to draw.
   proc items {id} {
     variable centre
     variable wanted
     variable depth
-    variable small
-    set names [program::details $id names]
-    set centre ""
-    if {$wanted ne "whole"} {
-      set centre [shown::name]
-      if {$centre eq "" && [llength $names] > $small} {
-        set centre [richest_output $id]
-      }
-    }
     if {$centre eq ""} {return [cone::whole $id]}
     cone::about $id $centre $depth [dict get {both {needs users} back needs forth users} $wanted]
   }
 
-  # Shows all of the picture; where that would be too small to read, the part about the chosen name.
-  proc fit {} {
+  # Shows the picture; where all of it would be too small to read, the part about the chosen name.
+  proc show_readable {} {
     variable canvas
     variable number_of
     variable centre
@@ -266,7 +267,7 @@ namespace eval ::tamselbrowser::view::graph {
     foreach name [list $centre [shown::name]] {
       if {[dict exists $number_of $name]} {set tag box:[dict get $number_of $name]}
     }
-    picture::fit $canvas 1.0 $tag 0.6
+    picture::fit $canvas 1.0 $tag 0.7
   }
 
   # Draws the picture of a program. A task.
@@ -277,6 +278,7 @@ namespace eval ::tamselbrowser::view::graph {
     variable places
     variable wires
     variable number_of {}
+    set centre [wanted_centre $id]
     set picture [cone::picture $id [items $id] $centre]
     picture::reset $canvas
     # Nothing is drawn while the places are sought, and clicks may come meanwhile.
@@ -288,7 +290,7 @@ namespace eval ::tamselbrowser::view::graph {
     draw_boxes
     caption $id
     colour [shown::name]
-    fit
+    show_readable
   }
 
   # Draws soon, or when the canvas comes into sight.
@@ -343,19 +345,47 @@ namespace eval ::tamselbrowser::view::graph {
     $frame.bar.scope set [dict get $scopes $scope]
     $frame.bar.depth state [expr {$scope eq "whole" ? "disabled" : "!disabled"}]
   }
+
+  # Tells which command draws the same.
+  proc say {{path ""}} {
+    variable centre
+    variable wanted
+    variable depth
+    set name [expr {$wanted eq "whole" ? [shown::name] : $centre}]
+    set options [expr {$name eq "" ? "" : [list --name $name]}]
+    log::picture [shown::program] [list {*}$options --show $wanted --steps $depth] $path
+  }
+  proc fit_clicked {} {
+    variable canvas
+    picture::fit $canvas
+    say
+  }
+
+  # The user has asked for another picture.
+  proc picked {} {
+    variable centre
+    set id [shown::program]
+    if {$id eq "" || ![program::is_read $id]} return
+    set centre [wanted_centre $id]
+    say
+    draw_soon
+  }
   proc scope_picked {} {
     variable frame
     variable scopes
     want [lindex [dict keys $scopes] [$frame.bar.scope current]]
-    draw_soon
+    picked
   }
   proc depth_picked {} {
     variable frame
     variable depth
     set typed [$frame.bar.depth get]
-    if {![string is integer -strict $typed] || $typed < 1 || $typed == $depth} return
-    set depth $typed
-    draw_soon
+    if {![string is integer -strict $typed] || $typed < 1} {
+      $frame.bar.depth set $depth
+    } elseif {$typed != $depth} {
+      set depth $typed
+      picked
+    }
   }
 
   # The name under the mouse, or "".
@@ -379,7 +409,7 @@ namespace eval ::tamselbrowser::view::graph {
     variable wanted
     if {[pointed] eq ""} return
     if {$wanted eq "whole"} {want both}
-    draw_soon
+    picked
   }
 
   proc create_bar {bar} {
@@ -392,15 +422,16 @@ namespace eval ::tamselbrowser::view::graph {
     ttk::spinbox $bar.depth -from 1 -to 99 -width 3 -command [namespace code depth_picked]
     $bar.depth set $depth
     ttk::label $bar.caption -style Paper.TLabel -foreground [style::colour faint]
-    ttk::button $bar.fit -text "Fit" -command [namespace code fit]
+    ttk::button $bar.fit -text "Fit" -command [namespace code fit_clicked]
     ttk::menubutton $bar.export -text "Export" -menu $bar.export.menu
     menu $bar.export.menu -tearoff 0
     foreach format {SVG PNG PDF} {
       $bar.export.menu add command -label "$format…" \
         -command [list ::tamselbrowser::window::export [string tolower $format]]
     }
-    pack $bar.scope $bar.centre $bar.steps $bar.depth $bar.caption -side left -padx {0 8}
+    # What is packed last is cut where the window is narrow.
     pack $bar.export $bar.fit -side right -padx {8 0}
+    pack $bar.scope $bar.steps $bar.depth $bar.centre $bar.caption -side left -padx {0 8}
     bind $bar.scope <<ComboboxSelected>> [namespace code scope_picked]
     bind $bar.depth <Return> [namespace code depth_picked]
     bind $bar.depth <FocusOut> [namespace code depth_picked]

@@ -1,7 +1,8 @@
 # view-log.tcl: the commands that do in a Tcl shell what the user does in the window.
 #
 # For what is no single operation the needed procedure is shown first, once; the lines can be pasted
-# as they stand into a shell that has loaded the library.
+# as they stand into a shell that has loaded the library. What only moves the window's contents,
+# such as scrolling and zooming, has no command.
 
 namespace eval ::tamselbrowser::view::log {
   namespace path {::tamselbrowser::view ::tamselbrowser}
@@ -12,24 +13,38 @@ namespace eval ::tamselbrowser::view::log {
   variable last ""      ;# the last command
   # What a script needs besides the library.
   variable helpers {
+    contents {proc contents {path} {
+  set channel [open $path]; fconfigure $channel -encoding iso8859-1
+  set text [read $channel]; close $channel
+  return $text
+}}
     dumped {proc dumped {program} {
   close [file tempfile path]; $program dump $path
-  set channel [open $path]; set text [read $channel]; close $channel; file delete $path
+  set text [contents $path]; file delete $path
   return $text
 }}
     equation {proc equation {program name} {
   regexp "\[;t]\\s*((?:\\w+,\\s*)*$name\\s*(?:,\\s*\\w+\\s*)*=\[^;]*);" [dumped $program] -> found
   return $found
 }}
-    names {proc names {program} {
-  foreach kind {in out loc} {
-    for {set i 0} {$i < [$program nb-${kind}s]} {incr i} {lappend all [$program $kind-name $i]}
+    rows {proc rows {program {wanted *}} {
+  foreach {_ name its_clock} [regexp -all -inline {(\w+)\s*:\s*[\w?]+\s*\)\s*when\s+(\w+)} \
+    [dumped $program]] {set clock($name) $its_clock}
+  foreach {kind word} {input in output out local loc} {
+    for {set i 0} {$i < [$program nb-${word}s]} {incr i} {
+      set name [$program $word-name $i]
+      lappend rows [list $name [$program $word-type $i] [lindex [array get clock $name] 1] $kind]
+    }
   }
-  return $all
+  for {set i 0} {$i < [$program nb-funcs]} {incr i} {
+    set types [lassign [$program func-decl $i] name]
+    lappend rows [list $name $types "" function]
+  }
+  lsearch -all -inline -index 3 $rows $wanted
 }}
     needs {proc needs {program name} {
   set words [regexp -all -inline {\w+} [regsub {^[^=]*=} [equation $program $name] ""]]
-  lmap other [names $program] {if {$other ni $words} continue; set other}
+  lmap row [rows $program] {if {[lindex $row 0] ni $words} continue; lindex $row 0}
 }}
     users {proc users {program name} {
   set users {}
@@ -57,7 +72,7 @@ namespace eval ::tamselbrowser::view::log {
     append_line $command
   }
 
-  # Shows a command that uses some of the helpers.
+  # Shows a command that uses some of the helpers, and those that they use.
   proc say_with {used command} {
     variable defined
     variable helpers
@@ -72,31 +87,67 @@ namespace eval ::tamselbrowser::view::log {
   # What asks for a name: its type, and its equation where it has one.
   proc name {id name} {
     set kind [program::fact $id kind $name]
-    foreach {word its_kind} $::tamselbrowser::program::sections {
-      if {$its_kind eq $kind} {
-        program::say $id $word-type [program::fact $id index $name]
-      }
+    set word [lindex [dict filter $::tamselbrowser::program::sections value $kind] 0]
+    if {$word eq ""} {
+      program::say $id exp-type $name
+    } else {
+      program::say $id $word-type [program::fact $id index $name]
     }
     if {[program::fact $id defined $name] ne ""} {
-      say_with {dumped equation} [list equation [program::object $id] $name]
+      say_with {contents dumped equation} [list equation [program::object $id] $name]
     }
+  }
+
+  # What asks for a function. Those of several results come last, and no operation knows them.
+  proc function {id name} {
+    set index [lsearch -exact -index 0 [program::details $id functions] $name]
+    if {$index < [program::call $id nb-funcs]} {program::say $id func-decl $index}
   }
 
   # What lists what a name needs, and what needs it.
   proc neighbours {id name} {
     set object [program::object $id]
     if {[program::fact $id defined $name] ne ""} {
-      say_with {dumped equation names needs} [list needs $object $name]
+      say_with {contents dumped equation rows needs} [list needs $object $name]
     }
-    say_with {dumped users} [list users $object $name]
+    say_with {contents dumped users} [list users $object $name]
   }
 
-  # What lists the names that fit a filter.
-  proc names_matching {id pattern} {
-    if {$pattern eq ""} return
-    if {![regexp {[*?\[]} $pattern]} {set pattern *$pattern*}
-    say_with names "lsearch -all -inline -glob -nocase \[names\
-      [program::object $id]\] [list $pattern]"
+  # What lists the rows of the table: of a kind ("": all) and with names like `pattern`, in an order
+  # given as options of lsort ("": as declared).
+  proc rows {id kind pattern order} {
+    set rows "\[[list rows [program::object $id] {*}$kind]\]"
+    if {$pattern ne ""} {
+      set rows "\[lsearch -all -inline -glob -nocase -index 0 $rows [list $pattern]\]"
+    }
+    if {$order ne ""} {set rows "\[lsort $order $rows\]"}
+    say_with {contents dumped rows} [string range $rows 1 end-1]
+  }
+
+  # What answers the Quarel text, or what the file holds.
+  proc content {id is_quarel} {
+    if {$id eq ""} return
+    if {$is_quarel} {
+      program::say $id dump
+    } else {
+      say_with contents [list contents [program::file_of $id]]
+    }
+  }
+
+  # What finds a text in their lines.
+  proc found {id is_quarel text} {
+    set lines [expr {$is_quarel ? [list dumped [program::object $id]]
+      : [list contents [program::file_of $id]]}]
+    # A caseless pattern without special characters.
+    say_with {contents dumped} \
+      "lsearch -all -inline -regexp \[split \[$lines\] \\n\] [list (?iq)$text]"
+  }
+
+  # What writes a picture: `options` are those of the browser's command line.
+  proc picture {id options {path ""}} {
+    if {$id eq ""} return
+    if {$path eq ""} {set path [program::object $id].svg}
+    say [list exec tamsel-browser --export $path {*}$options [program::file_of $id]]
   }
 
   proc contents {} {
@@ -125,7 +176,7 @@ namespace eval ::tamselbrowser::view::log {
     ttk::label $frame.bar.label -text "The same in Tcl" -style Faint.TLabel
     ttk::button $frame.bar.copy -text "Copy" -command [namespace code copy]
     ttk::button $frame.bar.clear -text "Clear" -command [namespace code clear]
-    set text [style::scrolled $frame.lines {text -height 4 -wrap none -relief flat \
+    set text [style::scrolled $frame.lines {text -wrap none -relief flat \
       -borderwidth 0 -highlightthickness 0 -padx 8 -pady 4 -font tamselbrowser.code -state disabled} y]
     $text configure -height [expr {[winfo screenheight .] < 700 ? 2 : 4}] \
       -background [style::colour paper] -foreground [style::colour ink]

@@ -125,7 +125,6 @@ namespace eval ::tamselbrowser::view::source {
     set id [shown::program]
     if {!$is_due || $id eq "" || ![program::is_read $id]} return
     set is_due 0
-    if {$shows eq "quarel"} {program::say $id dump}
     try {
       set content [content $id]
     } on error {result options} {
@@ -203,6 +202,7 @@ namespace eval ::tamselbrowser::view::source {
     set word [word_at $text $x $y]
     if {![choose_word $word source]} {
       if {[line_of $word] == 0} return
+      log::function [shown::program] $word
       go_to [line_of $word]
     }
     lappend visited $from
@@ -219,6 +219,15 @@ namespace eval ::tamselbrowser::view::source {
     set visited [lrange $visited 0 end-1]
     if {$visited eq ""} {$frame.bar.back state disabled}
     colour_visible
+  }
+
+  # Tells which command lists the lines with what is typed in the search line.
+  proc say_search {} {
+    variable frame
+    variable shows
+    set wanted [$frame.bar.wanted get]
+    set id [shown::program]
+    if {$wanted ne "" && $id ne ""} {log::found $id [expr {$shows eq "quarel"}] $wanted}
   }
 
   # Finds the next or previous place of what is typed in the search line, from the last one on.
@@ -244,18 +253,31 @@ namespace eval ::tamselbrowser::view::source {
     colour_visible
   }
 
+  proc search_clicked {way} {
+    search $way
+    say_search
+  }
+
   # While it is typed, the place found stays if it still fits.
   proc search_typed {key} {
     variable text
     if {$key in {Return KP_Enter Escape Shift_L Shift_R}} return
     $text mark set insert "insert - 1 chars"
     search -forwards
+    work::when_quiet 250 [namespace code say_search]
   }
 
   proc shows_picked {} {
     variable frame
     variable shows [lindex {quarel file} [$frame.bar.shows current]]
+    say
     show_soon
+  }
+
+  # Tells which command answers what is shown.
+  proc say {} {
+    variable shows
+    log::content [shown::program] [expr {$shows eq "quarel"}]
   }
 
   # The text was scrolled.
@@ -273,16 +295,16 @@ namespace eval ::tamselbrowser::view::source {
     $bar.back state disabled
     ttk::label $bar.label -text "Find" -style Paper.TLabel
     ttk::entry $bar.wanted -width 24
-    ttk::button $bar.previous -text "Previous" -command [namespace code {search -backwards}]
-    ttk::button $bar.next -text "Next" -command [namespace code {search -forwards}]
+    ttk::button $bar.previous -text "Previous" -command [namespace code {search_clicked -backwards}]
+    ttk::button $bar.next -text "Next" -command [namespace code {search_clicked -forwards}]
     ttk::label $bar.answer -style Paper.TLabel -foreground [style::colour faint]
     grid $bar.shows $bar.back $bar.label $bar.wanted $bar.previous $bar.next $bar.answer \
       -sticky ew -padx {0 8}
     # These give way where the window is narrow.
     grid columnconfigure $bar [list $bar.wanted $bar.answer] -weight 1
     bind $bar.shows <<ComboboxSelected>> [namespace code shows_picked]
-    bind $bar.wanted <Return> [namespace code {search -forwards}]
-    bind $bar.wanted <Shift-Return> [namespace code {search -backwards}]
+    bind $bar.wanted <Return> [namespace code {search_clicked -forwards}]
+    bind $bar.wanted <Shift-Return> [namespace code {search_clicked -backwards}]
     bind $bar.wanted <KeyRelease> [namespace code {search_typed %K}]
   }
 

@@ -110,6 +110,11 @@ namespace eval ::tamselbrowser::view::symbol {
     draw $id
   }
 
+  # Tells which command draws the same.
+  proc say {{path ""}} {
+    log::picture [shown::program] --symbol $path
+  }
+
   # A click on a port chooses its name.
   proc clicked {} {
     variable canvas

@@ -9,29 +9,34 @@ namespace eval ::tamselbrowser::view::table {
   variable frame ""
   variable tree ""
   variable columns {name type clock kind}
-  variable rows {}        ;# {ITEM NAME TYPE CLOCK KIND} in the order of declaration
+  variable rows {}        ;# {NAME TYPE CLOCK KIND ITEM} in the order of declaration
   variable item_of        ;# name -> item, functions apart
   array set item_of {}
   variable kind ""        ;# the only kind to show, "" for all
   variable sorted_by ""   ;# a column, or "" for the order of declaration
   variable direction -increasing
   variable quick 50000    ;# so many rows are sorted as in a dictionary
-  variable pending ""     ;# the delayed filtering
+  variable pattern ""     ;# what the names that are shown are like
 
-  # The rows that the filter lets through. A pattern with none of *?[ is looked for anywhere.
-  proc filtered {} {
+  # What names are to be like; "" for all. One with none of *?[ in it is looked for anywhere.
+  proc filter {} {
     variable frame
-    variable rows
-    variable kind
     set pattern [string trim [$frame.filter get]]
-    if {$pattern ne "" && ![regexp {[*?\[]} $pattern]} {
-      set pattern *[string map {\\ \\\\} $pattern]*
-    }
-    lmap row $rows {
-      if {$kind ne "" && [lindex $row 4] ne $kind} continue
-      if {$pattern ne "" && ![string match -nocase $pattern [lindex $row 1]]} continue
-      set row
-    }
+    if {$pattern eq "" || [regexp {[*?\[]} $pattern]} {return $pattern}
+    return *[string map {\\ \\\\} $pattern]*
+  }
+
+  # The options of lsort for the order that is wanted; "" for that of declaration.
+  proc order {} {
+    variable columns
+    variable rows
+    variable sorted_by
+    variable direction
+    variable quick
+    if {$sorted_by eq ""} {return ""}
+    # v2 before v10, where that does not take seconds.
+    set comparison [expr {[llength $rows] > $quick ? "-ascii" : "-dictionary"}]
+    list $direction $comparison -index [lsearch -exact $columns $sorted_by]
   }
 
   # Shows the rows that are wanted in the order that is wanted.
@@ -40,20 +45,19 @@ namespace eval ::tamselbrowser::view::table {
     variable tree
     variable columns
     variable rows
+    variable kind
     variable sorted_by
     variable direction
-    variable quick
-    variable pending ""
-    set wanted [filtered]
-    set place [lsearch -exact $columns $sorted_by]
-    if {$place >= 0} {
-      # v2 before v10, where that does not take seconds.
-      set comparison [expr {[llength $wanted] > $quick ? "-ascii" : "-dictionary"}]
-      set wanted [lsort $direction $comparison -index [expr {$place + 1}] $wanted]
-    }
-    $tree children {} [lmap row $wanted {lindex $row 0}]
+    variable pattern [filter]
+    set wanted [lmap row $rows {
+      if {$kind ne "" && [lindex $row 3] ne $kind} continue
+      if {$pattern ne "" && ![string match -nocase $pattern [lindex $row 0]]} continue
+      set row
+    }]
+    if {$sorted_by ne ""} {set wanted [lsort {*}[order] $wanted]}
+    $tree children {} [lmap row $wanted {lindex $row end}]
+    set mark [expr {$direction eq "-increasing" ? " ▲" : " ▼"}]
     foreach column $columns {
-      set mark [expr {$direction eq "-increasing" ? " ▲" : " ▼"}]
       $tree heading $column \
         -text "[string totitle $column][expr {$column eq $sorted_by ? $mark : ""}]"
     }
@@ -62,17 +66,18 @@ namespace eval ::tamselbrowser::view::table {
       ? "$count" : "$count of [llength $rows]"}]
   }
 
-  # What a user types is taken up when he pauses.
-  proc arrange_soon {} {
-    variable pending
-    after cancel $pending
-    set pending [after 120 [namespace code filter_typed]]
-  }
-  proc filter_typed {} {
-    variable frame
+  # The user has said what to show.
+  proc arrange_and_say {} {
+    variable kind
     arrange
     set id [shown::program]
-    if {$id ne ""} {log::names_matching $id [$frame.filter get]}
+    if {$id ne ""} {log::rows $id $kind [filter] [order]}
+  }
+
+  proc typed {} {
+    variable pattern
+    if {[filter] eq $pattern} return
+    work::when_quiet 120 [namespace code arrange_and_say]
   }
 
   # A click on a heading: sorted by it, the other way round, as declared.
@@ -88,7 +93,7 @@ namespace eval ::tamselbrowser::view::table {
       set sorted_by ""
       set direction -increasing
     }
-    arrange
+    arrange_and_say
   }
 
   # The rows of a program.
@@ -96,14 +101,14 @@ namespace eval ::tamselbrowser::view::table {
     set number 0
     set found {}
     foreach name [program::details $id names] {
-      lappend found [list [incr number] $name {*}[lmap array {type clock kind} {
+      lappend found [list $name {*}[lmap array {type clock kind} {
         program::fact $id $array $name
-      }]]
+      }] [incr number]]
       work::pause 0 1
     }
     foreach function [program::details $id functions] {
       lassign $function name declaration
-      lappend found [list [incr number] $name $declaration "" function]
+      lappend found [list $name $declaration "" function [incr number]]
     }
     return $found
   }
@@ -114,7 +119,7 @@ namespace eval ::tamselbrowser::view::table {
     variable rows
     variable item_of
     set new [collect $id]
-    set items [lmap row $rows {lindex $row 0}]
+    set items [lmap row $rows {lindex $row end}]
     set rows {}
     array unset item_of
     $tree children {} {}
@@ -127,10 +132,10 @@ namespace eval ::tamselbrowser::view::table {
     set done 0
     try {
       foreach row $new {
-        set values [lassign $row item name]
-        $tree insert {} end -id $item -values [list $name {*}$values]
+        lassign $row name _ _ kind item
+        $tree insert {} end -id $item -values [lrange $row 0 3]
         lappend rows $row
-        if {[lindex $row 4] ne "function"} {set item_of($name) $item}
+        if {$kind ne "function"} {set item_of($name) $item}
         work::pause [incr done] $total
       }
     } finally {
@@ -146,7 +151,7 @@ namespace eval ::tamselbrowser::view::table {
     variable item_of
     work::cancel table
     if {$id eq ""} {
-      $tree delete [lmap row $rows {lindex $row 0}]
+      $tree delete [lmap row $rows {lindex $row end}]
       set rows {}
       array unset item_of
       arrange
@@ -179,17 +184,12 @@ namespace eval ::tamselbrowser::view::table {
     variable rows
     set item [lindex [$tree selection] 0]
     if {$item eq ""} return
-    lassign [lindex $rows $item-1] _ name _ _ kind
+    lassign [lindex $rows $item-1] name declaration _ kind
     set id [shown::program]
     if {$name eq [shown::name]} return
     if {$kind eq "function"} {
-      set functions [program::details $id functions]
-      set index [expr {$item - 1 - ([llength $rows] - [llength $functions])}]
-      # Those of several results come last, and the library's operations do not know them.
-      if {$index < [program::call $id nb-funcs]} {
-        program::say $id func-decl $index
-      }
-      shown::tell status "function $name: [lindex $rows $item-1 2]"
+      log::function $id $name
+      shown::tell status "function $name: $declaration"
     } else {
       log::name $id $name
       shown::choose $name table
@@ -214,8 +214,8 @@ namespace eval ::tamselbrowser::view::table {
     grid $frame.rows -columnspan 3 -sticky nsew
     grid columnconfigure $frame 1 -weight 1
     grid rowconfigure $frame 1 -weight 1
-    bind $frame.filter <KeyRelease> [namespace code arrange_soon]
-    bind $frame.filter <Escape> "%W delete 0 end; [namespace code arrange]"
+    bind $frame.filter <KeyRelease> [namespace code typed]
+    bind $frame.filter <Escape> {%W delete 0 end}
     bind $tree <<TreeviewSelect>> [namespace code selected]
     foreach {event command} {program current kind show_kind name show_chosen} {
       shown::listen $event [namespace code $command]

@@ -106,23 +106,11 @@ namespace eval ::tamselbrowser::window {
     try {
       export::write $canvas $format $path
       shown::tell status "Wrote $path"
-      say_export $path $is_symbol
+      view::[expr {$is_symbol ? "symbol" : "graph"}]::say $path
     } on error {result options} {
       shown::tell failed "Could not write the picture" \
         [list [list $path $result $options]]
     }
-  }
-  proc say_export {path is_symbol} {
-    namespace upvar ::tamselbrowser::view::graph centre centre wanted wanted depth depth
-    set words [list exec tamsel-browser --export $path]
-    if {$is_symbol} {
-      lappend words --symbol
-    } else {
-      if {$centre ne ""} {lappend words --name $centre}
-      lappend words --show $wanted --steps $depth
-    }
-    shown::tell command \
-      [list {*}$words [program::file_of [shown::program]]]
   }
   proc export {format} {
     set id [shown::program]
@@ -130,6 +118,10 @@ namespace eval ::tamselbrowser::window {
     set path [tk_getSaveFile -title "Export the picture" -defaultextension .$format \
       -initialfile [file rootname [program::label $id]].$format]
     if {$path ne ""} {export_to $format $path}
+  }
+
+  proc tab_changed {} {
+    view::[lindex [split [.body.right.tabs select] .] end]::say
   }
 
   proc progress {title fraction} {
@@ -241,6 +233,7 @@ namespace eval ::tamselbrowser::window {
     $tabs add $tabs.graph -text "Dependencies"
     $tabs add $tabs.symbol -text "Block symbol"
     $tabs add $tabs.source -text "Source"
+    bind $tabs <<NotebookTabChanged>> [namespace code tab_changed]
     view::equation::create .body.right.equation
     .body.right add $tabs -weight 1
     .body.right add .body.right.equation
@@ -276,9 +269,6 @@ namespace eval ::tamselbrowser::window {
       grid $window -row $row -column 0 -sticky nsew
     }
     grid configure .body -padx 10 -pady {8 2}
-    # In a narrow window the names leave room for the picture.
-    update idletasks
-    .body sashpos 0 [expr {min([.body sashpos 0], [winfo width .] * 3 / 8)}]
     grid remove .notice
     grid rowconfigure . 1 -weight 1
     grid columnconfigure . 0 -weight 1
@@ -286,6 +276,9 @@ namespace eval ::tamselbrowser::window {
       shown::listen $event [namespace code $command]
     }
     shown::listen failed ::tamselbrowser::report::failed
+    # In a narrow window the names leave room for the picture.
+    update idletasks
+    .body sashpos 0 [expr {min([.body sashpos 0], [winfo width .] * 3 / 8)}]
     bind . <FocusIn> [namespace code {if {"%W" eq "."} check_files}]
     shown::select ""
   }

@@ -12,6 +12,8 @@ namespace eval ::tamselbrowser::work {
   variable title ""
   variable ending ""   ;# why the task is to end: STOPPED by the user or REPLACED by a new one
   variable began 0     ;# when the present slice did
+  variable quiet       ;# command -> the timer that waits for the user to pause
+  array set quiet {}
 
   # Ends the task where it was stopped.
   proc check {} {
@@ -95,10 +97,23 @@ namespace eval ::tamselbrowser::work {
     if {$key ne ""} {set ending STOPPED}
   }
 
+  # Runs a command once nobody has wanted it for `delay` milliseconds: for what a user types.
+  proc when_quiet {delay command} {
+    variable quiet
+    if {[info exists quiet($command)]} {after cancel $quiet($command)}
+    set quiet($command) [after $delay [namespace code [list perform_quiet $command]]]
+  }
+  proc perform_quiet {command} {
+    variable quiet
+    unset quiet($command)
+    uplevel #0 $command
+  }
+
   # Whether something runs or waits.
   proc is_busy {} {
     variable waiting
     variable key
-    expr {$key ne "" || $waiting ne ""}
+    variable quiet
+    expr {$key ne "" || $waiting ne "" || [array size quiet] > 0}
   }
 }
