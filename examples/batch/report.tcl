@@ -1,6 +1,6 @@
 # report.tcl problems|json|summary|rest: tells on standard output what became of the files of a run.
 #
-#   problems   a line for each problem
+#   problems   a line for each problem; none for files that were not looked at, which the summary counts
 #   json       a line of JSON for each file
 #   summary    the counts; the exit status is that of the whole run
 #   rest       the counts of a run that was stopped
@@ -61,7 +61,7 @@ foreach job [job_names] {
         set status [dict get $record status]
         dict incr counts $status
         if {$mode eq "json"} {print_json $record}
-        if {$mode eq "problems" && $status ne "good"} {print_problem $record}
+        if {$mode eq "problems" && $status in {warning error}} {print_problem $record}
     }
 }
 dict with counts {
