@@ -7,8 +7,9 @@
 #              problem kind, message and, where known, line; of what is written output
 #   starts/N   a number for each process that has begun job N: how many files were done before it
 #   stopped    is there once a worker has found that no file can be written, and says why if there is room
+#   hosts      the lines of --sshloginfile, for GNU parallel
 #
-# Each but the last is a list of items that end in a NUL byte. An item without one was cut off, and does not count.
+# Each but the last two is a list of items that end in a NUL byte. An item without one was cut off, and does not count.
 
 # A name is a string of bytes, whatever the locale: each character here is one byte.
 encoding system iso8859-1
