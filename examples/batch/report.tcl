@@ -52,17 +52,26 @@ for {set code 0} {$code < 0x20} {incr code} {
 # Each file's record; `lost` is the status of a file that has none.
 set counts [dict create good 0 warning 0 error 0 lost 0]
 set mode [lindex $argv 0]
-foreach job [job_names] {
-    array unset known
-    foreach record [read_items records/$job] {set known([dict get $record file]) $record}
-    foreach file [read_items jobs/$job] {
-        set record [dict create file $file status lost kind LOST message "not looked at"]
-        if {[info exists known($file)]} {set record $known($file)}
-        set status [dict get $record status]
-        dict incr counts $status
-        if {$mode eq "json"} {print_json $record}
-        if {$mode eq "problems" && $status in {warning error}} {print_problem $record}
+try {
+    foreach job [job_names] {
+        array unset known
+        foreach record [read_items records/$job] {set known([dict get $record file]) $record}
+        foreach file [read_items jobs/$job] {
+            set record [dict create file $file status lost kind LOST message "not looked at"]
+            if {[info exists known($file)]} {set record $known($file)}
+            set status [dict get $record status]
+            dict incr counts $status
+            if {$mode eq "json"} {print_json $record}
+            if {$mode eq "problems" && $status in {warning error}} {print_problem $record}
+        }
     }
+    flush stdout
+} trap {POSIX EPIPE} {} {
+    # Whoever reads has seen enough.
+    exit 0
+} trap POSIX {- options} {
+    puts stderr "tamsel-batch: cannot write the report: [lindex [dict get $options -errorcode] 2]"
+    exit 1
 }
 dict with counts {
     set total [expr {$good + $warning + $error + $lost}]
