@@ -28,8 +28,11 @@ namespace eval ::tamselbrowser::view::log {
   return $found
 }}
     rows {proc rows {program {wanted *}} {
-  foreach {_ name its_clock} [regexp -all -inline {(\w+)\s*:\s*[\w?]+\s*\)\s*when\s+(\w+)} \
-    [dumped $program]] {set clock($name) $its_clock}
+  set clocked {(\w+)\s*:\s*[\w?]+\s*\)\s*when\s+(\w+)}
+  foreach {_ name its_clock} [regexp -all -inline $clocked [dumped $program]] {
+    set clock($name) $its_clock
+  }
+  set rows {}
   foreach {kind word} {input in output out local loc} {
     for {set i 0} {$i < [$program nb-${word}s]} {incr i} {
       set name [$program $word-name $i]

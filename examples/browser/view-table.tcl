@@ -68,8 +68,10 @@ namespace eval ::tamselbrowser::view::table {
 
   # The user has said what to show.
   proc arrange_and_say {} {
+    variable tree
     variable kind
     arrange
+    $tree yview moveto 0
     set id [shown::program]
     if {$id ne ""} {log::rows $id $kind [filter] [order]}
   }
