@@ -13,6 +13,7 @@ namespace eval ::tamselbrowser::view::source {
   variable coloured         ;# line -> 1 where its words are coloured
   array set coloured {}
   variable visited {}       ;# lines to go back to
+  variable sought ""        ;# what was looked for last
   variable longest_line 4000
   variable keywords {and assert bool const current div else false function if int let mod node nor
     not or pre real returns tel then true type var when xor}
@@ -221,33 +222,32 @@ namespace eval ::tamselbrowser::view::source {
     colour_visible
   }
 
-  # Tells which command lists the lines with what is typed in the search line.
+  # Tells which command lists the lines with what was looked for.
   proc say_search {} {
-    variable frame
     variable shows
-    set wanted [$frame.bar.wanted get]
+    variable sought
     set id [shown::program]
-    if {$wanted ne "" && $id ne ""} {log::found $id [expr {$shows eq "quarel"}] $wanted}
+    if {$sought ne "" && $id ne ""} {log::found $id [expr {$shows eq "quarel"}] $sought}
   }
 
   # Finds the next or previous place of what is typed in the search line, from the last one on.
   proc search {way} {
     variable text
     variable frame
-    set wanted [$frame.bar.wanted get]
+    variable sought [$frame.bar.wanted get]
     $text tag remove found 1.0 end
     $frame.bar.answer configure -text ""
-    if {$wanted eq ""} return
+    if {$sought eq ""} return
     set from [$text index insert]
     set start [expr {$way eq "-forwards" ? "$from + 1 chars" : $from}]
-    set place [$text search $way -nocase -- $wanted $start]
+    set place [$text search $way -nocase -- $sought $start]
     if {$place eq ""} {
       $frame.bar.answer configure -text "not found"
       return
     }
     set is_round [$text compare $place [expr {$way eq "-forwards" ? "<=" : ">="}] $from]
     if {$is_round} {$frame.bar.answer configure -text "from the other end"}
-    $text tag add found $place "$place + [string length $wanted] chars"
+    $text tag add found $place "$place + [string length $sought] chars"
     $text mark set insert $place
     $text see $place
     colour_visible
@@ -259,9 +259,11 @@ namespace eval ::tamselbrowser::view::source {
   }
 
   # While it is typed, the place found stays if it still fits.
-  proc search_typed {key} {
+  proc search_typed {} {
+    variable frame
     variable text
-    if {$key in {Return KP_Enter Escape Shift_L Shift_R}} return
+    variable sought
+    if {[$frame.bar.wanted get] eq $sought} return
     $text mark set insert "insert - 1 chars"
     search -forwards
     work::when_quiet 250 [namespace code say_search]
@@ -305,7 +307,7 @@ namespace eval ::tamselbrowser::view::source {
     bind $bar.shows <<ComboboxSelected>> [namespace code shows_picked]
     bind $bar.wanted <Return> [namespace code {search_clicked -forwards}]
     bind $bar.wanted <Shift-Return> [namespace code {search_clicked -backwards}]
-    bind $bar.wanted <KeyRelease> [namespace code {search_typed %K}]
+    bind $bar.wanted <KeyRelease> [namespace code search_typed]
   }
 
   proc create {window} {
