@@ -53,7 +53,7 @@ shoot browser-source '
   .body.right.tabs select .body.right.tabs.source
   settle
   .body.left.table.filter insert 0 "*for"
-  ::tamselbrowser::view::table::filter_typed
+  ::tamselbrowser::view::table::arrange_and_say
   ::tamselbrowser::shown::choose open_for
   .expression.line insert 0 "if blocked then 0 else pre open_for + 1"
   ::tamselbrowser::view::expression::answer
