@@ -32,19 +32,24 @@ Exp::~Exp() {
     ExpInfo* behind = infos->next;
     delete infos;
     infos = behind;
+    --annotations_;
   }
   if (!in_arena_) delete[] args;
 }
 
 void ExpHeap::cut_back(const Mark& mark) {
-  for (; size_ > mark.size; --size_) {
+  while (newest_ != mark.newest && (entered_ > 0 || Exp::annotations_ > 0)) {
     Exp* e = newest_;
     newest_ = e->made_before_;
-    if (e->in_arena_)
+    if (e->in_arena_) {
       e->~Exp();
-    else
+    } else {
       delete e;
+      --entered_;
+    }
   }
+  newest_ = mark.newest;
+  size_ = mark.size;
   arena_.cut_back(mark.arena);
 }
 

@@ -147,6 +147,7 @@ Exp* ExpHeap::leaf(ExpNature kind, int symbol, EcType* type, int clock) {
 
 Exp* ExpHeap::enter(Exp* e) noexcept {
   add(e);
+  ++entered_;
   return e;
 }
 
@@ -160,6 +161,8 @@ int Exp::function_ident() {
   return EcPrg::ierror("Exp::function_name called on '%s' operator", nodekey(nature));
 }
 
+size_t Exp::annotations_ = 0;
+
 // The cell of `key`, or the place where it belongs.
 static ExpInfo** place_of(ExpInfo** infos, int key) {
   while (*infos != nullptr && (*infos)->key > key) infos = &(*infos)->next;
@@ -168,10 +171,12 @@ static ExpInfo** place_of(ExpInfo** infos, int key) {
 
 void Exp::put_info(int info_key, void* value) {
   ExpInfo** place = place_of(&infos, info_key);
-  if (*place != nullptr && (*place)->key == info_key)
+  if (*place != nullptr && (*place)->key == info_key) {
     (*place)->value = value;
-  else
-    *place = new ExpInfo{info_key, value, *place};
+    return;
+  }
+  *place = new ExpInfo{info_key, value, *place};
+  ++annotations_;
 }
 
 void Exp::drop_info(int info_key) {
@@ -180,6 +185,7 @@ void Exp::drop_info(int info_key) {
   if (info == nullptr || info->key != info_key) return;
   *place = info->next;
   delete info;
+  --annotations_;
 }
 
 void* Exp::get_ptr_info(int info_key) {

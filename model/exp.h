@@ -196,6 +196,7 @@ class Exp {
 
  private:
   friend class ExpHeap;
+  static size_t annotations_;   // of all nodes of the process
   Exp* made_before_ = nullptr;  // the next older node of its heap
   bool in_arena_ = false;       // with its array of operands
 
@@ -211,11 +212,12 @@ class ExpHeap {
   // How many nodes there were at some time.
   struct Mark {
     size_t size;
+    Exp* newest;
     Arena::Mark arena;
   };
 
   ExpHeap() = default;
-  ~ExpHeap() { cut_back({0, {nullptr, 0}}); }
+  ~ExpHeap() { cut_back({0, nullptr, {nullptr, 0}}); }
   ExpHeap(const ExpHeap&) = delete;
   ExpHeap& operator=(const ExpHeap&) = delete;
 
@@ -232,8 +234,9 @@ class ExpHeap {
   void each(Visit visit) {
     for (Exp* e = newest_; e != nullptr; e = e->made_before_) visit(e);
   }
-  Mark mark() const { return {size_, arena_.mark()}; }
-  // Deletes the nodes made since `mark`.
+  Mark mark() const { return {size_, newest_, arena_.mark()}; }
+  // Deletes the nodes made since `mark`. Looks at none of them where all lie in the arena and no
+  // node of the process is annotated: there is nothing else that those could own.
   void cut_back(const Mark& mark);
 
  private:
@@ -242,6 +245,7 @@ class ExpHeap {
   Arena arena_;
   Exp* newest_ = nullptr;
   size_t size_ = 0;
+  size_t entered_ = 0;  // how many do not lie in the arena
 };
 
 #endif
