@@ -42,27 +42,26 @@ proc forget_messages {} {
     chan truncate $::messages 0
 }
 
-# What the library wrote while it loaded `file`, at level 1 behind the line that says so.
-proc written_over {file} {
+proc written_messages {} {
     seek $::messages 0
-    set text [read $::messages]
-    # A word of a Tcl command is UTF-8, also where it stands for bytes.
-    set before "loading [encoding convertto utf-8 $file] ....\n"
-    set start [string first $before $text]
-    if {$start < 0} {return $text}
-    string range $text $start+[string length $before] end
+    read $::messages
 }
 
-# The message about the program that was loaded from `file`; empty if all is well. It ends the line that
-# notes of the library on its own limits, such as clocks that it cannot tell, may begin; those come at
-# level 0 too.
+# The message about the program that was loaded from `file` at level 1; empty if all is well. It ends the
+# line that notes of the library on its own limits, such as clocks that it cannot tell, may begin; those
+# come at level 0 too.
 proc message_about {file} {
-    set text [written_over $file]
+    # A word of a Tcl command is UTF-8, also where it stands for bytes.
+    set before "loading [encoding convertto utf-8 $file] ....\n"
+    set text [written_messages]
+    set start [string first $before $text]
+    if {$start < 0} {stop_all "cannot write temporary files: what the library says is lost"}
+    set text [string range $text $start+[string length $before] end]
     if {[string index $text end] ne "\n"} {return ""}
     verbose 0
     forget_messages
     program load $file
-    set notes [written_over $file]
+    set notes [written_messages]
     verbose 1
     string range $text [string length $notes] end-1
 }
