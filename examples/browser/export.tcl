@@ -105,19 +105,22 @@ namespace eval ::tamselbrowser::export {
       texts texts number_of number_of
     set family [font configure tamselbrowser.name -family]
     set lines [list "digraph {" "  node \[shape=box style=\"rounded,filled\" fixedsize=true\
-      fontname=\"$family\" fontsize=13\]"]
+      fontname=\"$family\"\]"]
     dict for {name box} $places {
       lassign $box left top right bottom
       set tag box:[dict get $number_of $name]
       lassign [dict get $texts $name] title detail
+      set cells ""
+      foreach {part text size} [list title $title 13 detail $detail 11] {
+        append cells [format {<TR><TD ALIGN="LEFT"><FONT POINT-SIZE="%d" COLOR="%s">%s</FONT></TD></TR>} \
+          $size [$canvas itemcget $tag:$part -fill] [escape $text]]
+      }
       lappend lines [format {  "%s" [pos="%s!" width=%.3f height=%.3f fillcolor="%s" color="%s"\
-        label=<<FONT COLOR="%s">%s</FONT><BR ALIGN="LEFT"/>\
-        <FONT POINT-SIZE="11" COLOR="%s">%s</FONT><BR ALIGN="LEFT"/>>]} $name \
+        label=<<TABLE BORDER="0" CELLSPACING="0" CELLPADDING="0" WIDTH="%.0f">%s</TABLE>>]} $name \
         [graphviz_point [expr {($left + $right) / 2}] [expr {($top + $bottom) / 2}]] \
         [expr {($right - $left) / 72.0}] [expr {($bottom - $top) / 72.0}] \
         [$canvas itemcget $tag:shape -fill] [$canvas itemcget $tag:shape -outline] \
-        [$canvas itemcget $tag:title -fill] [escape $title] \
-        [$canvas itemcget $tag:detail -fill] [escape $detail]]
+        [expr {$right - $left - 20}] $cells]
     }
     set number 0
     foreach wire $wires {

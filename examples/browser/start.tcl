@@ -84,10 +84,7 @@ Shows EC programs in a window.
 
   # Takes over what the command line says of the picture.
   proc set_picture {options} {
-    if {[dict exists $options steps]} {
-      set view::graph::depth [dict get $options steps]
-      .body.right.tabs.graph.bar.depth set [dict get $options steps]
-    }
+    if {[dict exists $options steps]} {view::graph::want_steps [dict get $options steps]}
     if {[dict exists $options show]} {view::graph::want [dict get $options show]}
   }
 
@@ -116,7 +113,9 @@ Shows EC programs in a window.
     set format [string tolower [string range [file extension $path] 1 end]]
     set drawn [expr {[dict exists $options symbol] ? "symbol" : "graph"}]
     view::${drawn}::draw $id
-    export::write [set view::${drawn}::canvas] $format $path
+    if {[catch {export::write [set view::${drawn}::canvas] $format $path} result detail]} {
+      fail [report::describe $path $result $detail]
+    }
   }
 
   # The program, given the words of its command line.

@@ -370,6 +370,12 @@ namespace eval ::tamselbrowser::view::graph {
     say
     draw_soon
   }
+  # Sets how many steps of a cone are to be seen.
+  proc want_steps {number} {
+    variable frame
+    variable depth $number
+    $frame.bar.depth set $number
+  }
   proc scope_picked {} {
     variable frame
     variable scopes
@@ -383,7 +389,7 @@ namespace eval ::tamselbrowser::view::graph {
     if {![string is integer -strict $typed] || $typed < 1} {
       $frame.bar.depth set $depth
     } elseif {$typed != $depth} {
-      set depth $typed
+      want_steps $typed
       picked
     }
   }
@@ -414,13 +420,11 @@ namespace eval ::tamselbrowser::view::graph {
 
   proc create_bar {bar} {
     variable scopes
-    variable depth
     ttk::frame $bar -padding {8 6} -style Paper.TFrame
     ttk::combobox $bar.scope -state readonly -width 16 -values [dict values $scopes]
     ttk::label $bar.centre -style Paper.TLabel -font tamselbrowser.bold
     ttk::label $bar.steps -text "Steps" -style Paper.TLabel
     ttk::spinbox $bar.depth -from 1 -to 99 -width 3 -command [namespace code depth_picked]
-    $bar.depth set $depth
     ttk::label $bar.caption -style Paper.TLabel -foreground [style::colour faint]
     ttk::button $bar.fit -text "Fit" -command [namespace code fit_clicked]
     ttk::menubutton $bar.export -text "Export" -menu $bar.export.menu
@@ -462,6 +466,7 @@ namespace eval ::tamselbrowser::view::graph {
     variable frame $window
     variable canvas $window.canvas
     variable wanted
+    variable depth
     ttk::frame $frame -style Paper.TFrame
     create_bar $frame.bar
     create_legend $frame.legend
@@ -472,6 +477,7 @@ namespace eval ::tamselbrowser::view::graph {
     pack $frame.legend -side bottom -fill x
     pack $canvas -fill both -expand 1
     want $wanted
+    want_steps $depth
     shown::listen program [namespace code current]
     shown::listen name [namespace code show_chosen]
   }
