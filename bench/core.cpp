@@ -1,9 +1,7 @@
 // What the C++ layers cost on one program, beside the limits that the machine sets on the same
 // bytes.
 //   bench_core FILE.ec [benchmark options]   the costs of all operations, by Google Benchmark
-//   bench_core FILE.ec --once                one load in this fresh process: its time, and what
-//   then
-//                                            stands in memory
+//   bench_core FILE.ec --once                one load in this fresh process: time and memory
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>

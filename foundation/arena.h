@@ -19,8 +19,7 @@ class Arena {
   Arena(const Arena&) = delete;
   Arena& operator=(const Arena&) = delete;
 
-  // Memory for `size` bytes, aligned to 8. Throws bad_alloc with nothing
-  // changed.
+  // Memory for `size` bytes, aligned to 8. Throws bad_alloc with nothing changed.
   void* allocate(size_t size) {
     const size_t rounded = size + (8 - size % 8) % 8;
     if (newest_ == nullptr || newest_->size - used_ < rounded) add_block(rounded);
