@@ -54,10 +54,11 @@ double Fract::todouble() const {
   return static_cast<double>(num) / static_cast<double>(den);
 }
 
-void Fract::print(FILE* f) const {
-  fprintf(f, "%lld", num);
-  if (den != 1) fprintf(f, "/%lld", den);
+std::string Fract::text() const {
+  return den == 1 ? std::to_string(num) : std::to_string(num) + '/' + std::to_string(den);
 }
+
+void Fract::print(FILE* f) const { fputs(text().c_str(), f); }
 
 void Fract::print() const { print(stdout); }
 

@@ -9,6 +9,7 @@
 #define FOUNDATION_FRACT_H
 
 #include <cstdio>
+#include <string>
 
 class Fract {
  public:
@@ -20,7 +21,8 @@ class Fract {
 
   // num / den, both as doubles. Exits if den is 0, which no normal form has.
   double todouble() const;
-  // Writes "-7/2", or "3" where den is 1, to `f` or to standard output.
+  // "-7/2", or "3" where den is 1; print writes it to `f` or to standard output.
+  std::string text() const;
   void print(FILE* f) const;
   void print() const;
 

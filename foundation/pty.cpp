@@ -66,10 +66,19 @@ PtyStream::PtyStream(const char* file_name, int line_width, const char* tab)
 
 PtyStream::PtyStream(int line_width, const char* tab) : PtyStream(stdout, line_width, tab) {}
 
+PtyStream::PtyStream(std::string* text, int line_width, const char* tab)
+    : PtyStream(static_cast<FILE*>(nullptr), line_width, tab) {
+  text_ = text;
+  make_block(text_block);
+}
+
 TmpPtyStream::TmpPtyStream(int line_width, const char* tab)
     : PtyStream(open_temporary(), line_width, tab) {}
 
-PtyStream::~PtyStream() { close(); }
+// What a text has not got yet is dropped: to append it could fail.
+PtyStream::~PtyStream() {
+  if (text_ == nullptr) close();
+}
 
 void PtyStream::untab() {
   if (tab_depth == 0) {
@@ -79,32 +88,37 @@ void PtyStream::untab() {
   --tab_depth;
 }
 
-void PtyStream::write_in_blocks() {
-  block_.reset(new char[block_size]);
+void PtyStream::make_block(size_t size) {
+  block_.reset(new char[size]);
+  block_size_ = size;
   cursor_ = block_.get();
-  room_ = block_size;
+  room_ = size;
 }
+
+void PtyStream::write_in_blocks() { make_block(file_block); }
 
 // Leaves the block empty; of a stream without one, does nothing.
 void PtyStream::write_block() {
   if (block_ == nullptr) return;
-  const size_t size = block_size - room_;
-  if (size > 0 && fwrite(block_.get(), 1, size, file) != size) keep_first(&write_error_, errno);
+  const size_t size = block_size_ - room_;
+  if (text_ != nullptr)
+    text_->append(block_.get(), size);
+  else if (size > 0 && fwrite(block_.get(), 1, size, file) != size)
+    keep_first(&write_error_, errno);
   cursor_ = block_.get();
-  room_ = block_size;
+  room_ = block_size_;
 }
 
 // Writes what does not fit into the block, or of a stream without one. It is used by one thread, so
 // its characters need no lock each; most pieces are a few characters.
 void PtyStream::write_through(const char* text, size_t length) {
   write_block();
+  if (text_ != nullptr) {
+    text_->append(text, length);
+    return;
+  }
   for (const char* end = text + length; text != end; ++text)
     if (putc_unlocked(*text, file) == EOF) keep_first(&write_error_, errno);
-}
-
-FILE* PtyStream::direct_file() {
-  write_block();
-  return file;
 }
 
 void PtyStream::end_line() {
@@ -204,16 +218,17 @@ void PtyStream::put(TmpPtyStream* t) {
 
 void PtyStream::flush() {
   write_block();
+  if (file == nullptr) return;
   if (fflush(file) != 0) {
     keep_first(&write_error_, errno);
   } else if (ferror(file)) {
-    keep_first(&write_error_, EIO);  // text written to the file directly, as rational numbers are
+    keep_first(&write_error_, EIO);  // what was written beside the stream
   }
 }
 
 int PtyStream::close() {
-  if (file == nullptr) return write_error_;
   flush();
+  if (file == nullptr) return write_error_;
   if (file == stdout || file == stderr) {
     clearerr(file);  // the next stream on this file starts afresh
   } else if (fclose(file) != 0) {

@@ -47,7 +47,10 @@ class PtyStream {
   PtyStream(FILE* f, int width, const char* tab);
   // On standard output.
   PtyStream(int width, const char* tab);
-  // Flushes, and closes the file unless it is stdout or stderr.
+  // On the end of `text`, which is borrowed, and whole after `flush` or `close`. Writing to it may
+  // throw bad_alloc, and nothing else fails.
+  PtyStream(std::string* text, int width, const char* tab);
+  // Flushes, and closes the file unless it is stdout or stderr. A text is left as it is.
   ~PtyStream();
   PtyStream(const PtyStream&) = delete;
   PtyStream& operator=(const PtyStream&) = delete;
@@ -91,17 +94,16 @@ class PtyStream {
   void put(TmpPtyStream* t);
   void flush();
   // From now on text is written in large blocks, for a file at which nobody looks before it is
-  // closed. Only direct_file may be used to write beside the stream.
+  // closed, and beside the stream nothing may be written to it.
   void write_in_blocks();
-  // The file, with all written to it that was put so far; what is written there is not counted in
-  // columns.
-  FILE* direct_file();
+  // Writes `text` as it stands, and counts it in no column.
+  void put_uncounted(const std::string& text) { write(text.data(), text.size()); }
 
   // Flushes and closes as the destructor does, which then does nothing. Returns 0, or the errno of
   // the first write that failed, so that a text that did not arrive whole is never taken for done.
   int close();
 
-  FILE* file;        // null after close
+  FILE* file;        // null after close, and of a stream on a text
   const char* name;  // null unless made by name
   std::string tab_string;
   int tab_depth = 0;
@@ -112,7 +114,8 @@ class PtyStream {
   static PtyStream* _of_stderr;
 
  private:
-  static constexpr size_t block_size = 65536;
+  static constexpr size_t file_block = 65536;
+  static constexpr size_t text_block = 1024;
 
   // Inline with `write`, so that a literal costs a comparison and a store.
   void piece(const char* text, size_t length) {
@@ -139,11 +142,14 @@ class PtyStream {
   void put_pieces(const char* text);
   void end_line();
 
+  void make_block(size_t size);
   void write_block();
 
-  int write_error_ = 0;  // errno of the first failed write
+  std::string* text_ = nullptr;  // borrowed; null: the stream is on a file
+  int write_error_ = 0;          // errno of the first failed write
   // What is not yet written, of a stream that writes in blocks: up to the cursor.
   std::unique_ptr<char[]> block_;
+  size_t block_size_ = 0;
   char* cursor_ = nullptr;
   size_t room_ = 0;  // bytes of the block behind the cursor
 };

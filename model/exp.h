@@ -99,6 +99,8 @@ struct ExpKind {
   const char* name;
   ExpForm form;
   ExpTyping typing;
+  int priority;  // of the operator: the higher, the tighter; 0: its operands stand in brackets
+  bool chains;   // x op y op z is (x op y) op z; without parentheses, of others, it is no text
 };
 
 // The one table of kinds, by nature.
@@ -175,11 +177,13 @@ class Exp {
   // Print the expression; defined with the writers. `print` and `Iprint` write the name of a named
   // node, and any other by its structure; the `_def` forms write the node itself by its structure
   // always. The forms with I, meant for print_exp, cut cycles and write "WARNING : RECURSION "
-  // there.
+  // there. `print_brief` writes the node itself with as many parentheses as it takes to read back
+  // the same tree, and no more.
   void print(PtyStream* out, SymbolTable* symbols);
   void print_def(PtyStream* out, SymbolTable* symbols);
   void Iprint(PtyStream* out, SymbolTable* symbols);
   void Iprint_def(PtyStream* out, SymbolTable* symbols);
+  void print_brief(PtyStream* out, SymbolTable* symbols);
 
   ExpInfo* infos = nullptr;         // owned
   int key = 0;                      // for users of the model to number nodes

@@ -1,7 +1,10 @@
-// Expressions as text. Every operand stands in parentheses of its own, so no priorities are needed.
+// Expressions as text. Every operand stands in parentheses of its own, so no priorities are needed;
+// but for the brief notation.
 
 #include <array>
+#include <vector>
 
+#include "foundation/text.h"
 #include "model/ecprg.h"
 #include "model/walk.h"
 
@@ -9,15 +12,17 @@ int Iprint_current_mark;
 
 namespace {
 
-// What the two ways to print an expression differ in.
+// What the ways to print an expression differ in.
 struct ExpNotation {
   const char* printer;  // as the reports of what cannot be written call it
   const char* implementer;
   bool cuts_cycles;
+  bool is_brief;  // has no parentheses that the priorities make needless
 };
 
-constexpr ExpNotation plain_notation = {"Exp::print_def", "print_def", false};
-constexpr ExpNotation guarded_notation = {"Exp::Iprint_def", "Exp::Iprint_def", true};
+constexpr ExpNotation plain_notation = {"Exp::print_def", "print_def", false, false};
+constexpr ExpNotation guarded_notation = {"Exp::Iprint_def", "Exp::Iprint_def", true, false};
+constexpr ExpNotation brief_notation = {"Exp::print_brief", "print_brief", false, true};
 
 // How a kind is written. What stands between operands stands before the second and each further
 // one.
@@ -54,14 +59,61 @@ Layout layout_of(const ExpKind& kind) {
   return {kind.form, {}, {}, {}, {}};
 }
 
+Layout brief_layout_of(const ExpKind& kind) {
+  switch (kind.form) {
+    case ExpForm::prefix:
+      return {kind.form, {kind.keyword, is_letter(kind.keyword[0]) ? " " : ""}, {}, {}, {}};
+    case ExpForm::infix: {
+      const PieceRun infix = {" ", kind.keyword, " "};
+      return {kind.form, {}, infix, infix, {}};
+    }
+    case ExpForm::conditional:
+      return {kind.form, {"if "}, {" then "}, {" else "}, {}};
+    default:
+      return layout_of(kind);
+  }
+}
+
 // The layouts by nature; made once.
-const Layout* layouts() {
+const Layout* layouts(bool is_brief) {
   static const auto rows = [] {
-    std::array<Layout, EXP_NATURES> made;
-    for (const ExpKind& kind : ExpNatureKeys) made[kind.nature] = layout_of(kind);
+    std::array<std::array<Layout, EXP_NATURES>, 2> made;
+    for (const ExpKind& kind : ExpNatureKeys) {
+      made[false][kind.nature] = layout_of(kind);
+      made[true][kind.nature] = brief_layout_of(kind);
+    }
     return made;
   }();
-  return rows.data();
+  return rows[is_brief].data();
+}
+
+// What stands around a node of the brief notation outside of all brackets: the priorities of the
+// operator before it, whose last operand it begins, and of the one behind it, whose first operand
+// it ends; 0: none. A reader who comes to an operator takes what was before it for a whole operand
+// unless the operator binds tighter.
+struct Neighbours {
+  int before = 0;
+  int behind = 0;
+  bool is_bracketed = false;
+};
+
+bool needs_brackets(const ExpKind& kind, const Neighbours& neighbours) {
+  const bool begins_with_operand =
+      kind.form != ExpForm::prefix && kind.form != ExpForm::conditional;
+  if (kind.priority == 0) return false;
+  if (begins_with_operand && kind.priority <= neighbours.before) return true;
+  return kind.priority < neighbours.behind || (kind.priority == neighbours.behind && !kind.chains);
+}
+
+// Those of the operand at `place`.
+Neighbours neighbours_of_operand(const ExpKind& kind, const Neighbours& neighbours, int place,
+                                 int count) {
+  if (kind.priority == 0 || (kind.form == ExpForm::conditional && place < 2)) return {};
+  Neighbours around = neighbours;
+  if (place > 0 || kind.form == ExpForm::prefix) around.before = kind.priority;
+  if (place < count - 1) around.behind = kind.priority;
+  around.is_bracketed = false;
+  return around;
 }
 
 void* const set_mark = reinterpret_cast<void*>(1);
@@ -74,8 +126,9 @@ class ExpPrinter : public ExpVisitor {
 
   // Inline as far as names go, which most nodes are.
   bool enter(Exp* exp, Exp* parent, int place) {
-    if (takes_tuple(parent)) return place == 0;
-    if (exp->ident == 0 || (by_structure_ && parent == nullptr)) return enter_node(exp, parent);
+    if (takes_tuple(parent)) return place == 0 && enter_arguments();
+    if (exp->ident == 0 || (by_structure_ && parent == nullptr))
+      return enter_node(exp, parent, place);
     out_->put_text(symbols_->name(exp->ident));
     return false;
   }
@@ -91,14 +144,20 @@ class ExpPrinter : public ExpVisitor {
   bool is_marked(const Exp* parent) const {
     return notation_.cuts_cycles && !(by_structure_ && parent == nullptr);
   }
-  const Layout& layout_of(const Exp* exp) const {
-    return layouts_[exp->nature < EXP_NATURES ? exp->nature : ERROR_n];
+  static const ExpKind& kind_of(const Exp* exp) {
+    return ExpNatureKeys[exp->nature < EXP_NATURES ? exp->nature : ERROR_n];
   }
-  bool enter_node(Exp* exp, Exp* parent);
+  const Layout& layout_of(const Exp* exp) const { return layouts_[kind_of(exp).nature]; }
+  bool enter_arguments() {
+    if (notation_.is_brief) around_.emplace_back();
+    return true;
+  }
+  bool enter_node(Exp* exp, Exp* parent, int place);
+  bool open_brief(Exp* exp, Exp* parent, int place);
   bool open(Exp* exp);
 
   void write(int number) { out_->put(number); }
-  void write(const Fract& number) { number.print(out_->direct_file()); }
+  void write(const Fract& number) { out_->put_uncounted(number.text()); }
   // A negative integer keeps its sign behind the minus of its term.
   static int magnitude(int number) { return number; }
   static Fract magnitude(const Fract& number) { return abs(number); }
@@ -137,12 +196,14 @@ class ExpPrinter : public ExpVisitor {
 
   const ExpNotation& notation_;
   const bool by_structure_;
-  const Layout* const layouts_ = layouts();
+  const Layout* const layouts_ = layouts(notation_.is_brief);
   PtyStream* const out_;
   SymbolTable* const symbols_;
+  std::vector<Neighbours> around_;  // the nodes that are open; of the brief notation alone
 };
 
-bool ExpPrinter::enter_node(Exp* exp, Exp* parent) {
+bool ExpPrinter::enter_node(Exp* exp, Exp* parent, int place) {
+  if (notation_.is_brief) return open_brief(exp, parent, place);
   if (is_marked(parent)) {
     if (exp->get_int_info(Iprint_current_mark) != 0) {
       out_->put_literal("WARNING : RECURSION ");
@@ -153,6 +214,23 @@ bool ExpPrinter::enter_node(Exp* exp, Exp* parent) {
   if (open(exp)) return true;
   if (is_marked(parent)) exp->drop_info(Iprint_current_mark);
   return false;
+}
+
+bool ExpPrinter::open_brief(Exp* exp, Exp* parent, int place) {
+  const ExpKind& kind = kind_of(exp);
+  Neighbours around;
+  if (parent != nullptr)
+    around = neighbours_of_operand(kind_of(parent), around_.back(), place, parent->nb_args);
+  if (needs_brackets(kind, around)) {
+    out_->put_literal("(");
+    around = {0, 0, true};
+  }
+  // Two of them in a row would begin a comment.
+  if (exp->nature == UMINUS_n && parent != nullptr && parent->nature == UMINUS_n)
+    out_->put_literal(" ");
+  if (!open(exp)) return false;
+  around_.push_back(around);
+  return true;
 }
 
 // Writes what stands before the operands. False where nothing follows.
@@ -202,6 +280,11 @@ void ExpPrinter::between(Exp* exp, int place) {
 }
 
 void ExpPrinter::leave(Exp* exp, Exp* parent) {
+  bool is_bracketed = false;
+  if (notation_.is_brief) {
+    is_bracketed = around_.back().is_bracketed;
+    around_.pop_back();
+  }
   if (takes_tuple(parent)) return;
   const Layout& layout = layout_of(exp);
   if (layout.form == ExpForm::rational)
@@ -210,6 +293,7 @@ void ExpPrinter::leave(Exp* exp, Exp* parent) {
     close_combination(exp->int_param);
   else
     out_->put(layout.close);
+  if (is_bracketed) out_->put_literal(")");
   if (is_marked(parent)) exp->drop_info(Iprint_current_mark);
 }
 
@@ -235,6 +319,10 @@ void Exp::Iprint(PtyStream* out, SymbolTable* symbols) {
 
 void Exp::Iprint_def(PtyStream* out, SymbolTable* symbols) {
   print_with(guarded_notation, true, this, out, symbols);
+}
+
+void Exp::print_brief(PtyStream* out, SymbolTable* symbols) {
+  print_with(brief_notation, true, this, out, symbols);
 }
 
 void EcPrg::print_exp(Exp* e) {
