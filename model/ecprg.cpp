@@ -137,10 +137,59 @@ FuncInfo* EcPrg::function(int symbol) {
   return info != nullptr ? info->is_function() : nullptr;
 }
 
+std::vector<int> EcPrg::declared_names(NameKind kind) {
+  std::vector<int> names;
+  const bool may_repeat = replaced_.size() > 0;
+  std::unordered_set<int> seen;
+  const auto take = [&](const IntList* list, auto stands_here) {
+    for (; list != nullptr; list = list->next)
+      if (!may_repeat || (stands_here(list->value) && seen.insert(list->value).second))
+        names.push_back(list->value);
+  };
+  const auto has_mode = [this](IdentMode mode) {
+    return [=](int symbol) {
+      const IdentInfo* record = ident(symbol);
+      return record != nullptr && record->mode == mode;
+    };
+  };
+  const auto is_constant = [this](int symbol) {
+    const IdentInfo* record = ident(symbol);
+    return record != nullptr && (record->mode == USR_CONST_mode || record->mode == ENUM_CONST_mode);
+  };
+  const auto has_results = [this](int tuple_result) {
+    return [=](int symbol) {
+      const FuncInfo* record = function(symbol);
+      return record != nullptr && record->tuple_result == tuple_result;
+    };
+  };
+  switch (kind) {
+    case NameKind::input:
+      take(inputs, has_mode(INPUT_mode));
+      break;
+    case NameKind::output:
+      take(outputs, has_mode(OUTPUT_mode));
+      break;
+    case NameKind::local:
+      take(locals, has_mode(LOCAL_mode));
+      break;
+    case NameKind::constant:
+      take(constants, is_constant);
+      break;
+    case NameKind::function:
+      take(functions, has_results(0));
+      take(tuple_functions, has_results(1));
+      break;
+    case NameKind::type:
+      take(user_types, [](int) { return true; });
+      break;
+  }
+  return names;
+}
+
 IdentInfo* EcPrg::declared_ident(int symbol) {
   IdentInfo* record = ident(symbol);
   if (record != nullptr && record->ident_exp != nullptr) return record;
-  error("undeclared ident '%s'", symbols->name(symbol));
+  error_about(symbol, "undeclared ident '%s'");
   return nullptr;
 }
 
@@ -159,7 +208,7 @@ static void set_type_and_clock(Exp* e, EcType* type, int clock) {
 IdentInfo* EcPrg::define_ident(int symbol, Exp* e) {
   IdentInfo* record = declared_ident(symbol);
   if (record == nullptr || e == nullptr) return nullptr;
-  if (record->definition != nullptr) error("ident '%s' is already defined", symbols->name(symbol));
+  if (record->definition != nullptr) error_about(symbol, "ident '%s' is already defined");
   if (record->tuple_names != nullptr) return nullptr;
   record->definition = e;
   set_type_and_clock(e, record->type, record->clock);
@@ -174,7 +223,7 @@ IdentInfo* EcPrg::define_tuple(IntList* names, Exp* e) {
     IdentInfo* record = declared_ident(cell->value);
     if (record == nullptr) return nullptr;
     if (record->definition != nullptr || !seen.insert(cell->value).second) {
-      error("ident '%s' is already defined", symbols->name(cell->value));
+      error_about(cell->value, "ident '%s' is already defined");
       return nullptr;
     }
     records.push_back(record);
@@ -194,8 +243,8 @@ IdentInfo* EcPrg::define_tuple(IntList* names, Exp* e) {
   return records.back();
 }
 
-void EcPrg::add_assertion(Exp* e) {
-  if (e == nullptr) return;
+IdentInfo* EcPrg::add_assertion(Exp* e) {
+  if (e == nullptr) return nullptr;
   const int symbol = symbols->add("__assert_%d", nb_assertions);
   std::unique_ptr<IntList> cell(new_cell(symbol));
   auto record = std::make_unique<IdentInfo>(ASSERT_mode, symbol, bool_type, clock(e));
@@ -207,6 +256,7 @@ void EcPrg::add_assertion(Exp* e) {
   set_type_and_clock(e, bool_type, assertion->clock);
   assertions = append(assertions, cell.release());
   ++nb_assertions;
+  return assertion;
 }
 
 EcPrg::Mark EcPrg::mark() const {
@@ -252,17 +302,21 @@ EcType* EcPrg::add_type(EcType* type) {
 EcType* EcPrg::define_named_type(int symbol) {
   EcType*& slot = named_types_[symbol];
   if (slot != nullptr) {
-    error("type '%s' already declared", symbols->name(symbol));
+    error_about(symbol, "type '%s' already declared");
     return nullptr;
   }
   return slot = add_type(new EcType(symbol));
 }
 
-EcType* EcPrg::get_named_type(int symbol) {
+EcType* EcPrg::named_type(int symbol) const {
   const auto known = named_types_.find(symbol);
-  if (known != named_types_.end() && known->second != nullptr) return known->second;
-  error("EcPrg: type '%s' undeclared", symbols->name(symbol));
-  return nullptr;
+  return known != named_types_.end() ? known->second : nullptr;
+}
+
+EcType* EcPrg::get_named_type(int symbol) {
+  EcType* type = named_type(symbol);
+  if (type == nullptr) error_about(symbol, "EcPrg: type '%s' undeclared");
+  return type;
 }
 
 EcType* EcPrg::define_type(IntList* names) {
@@ -321,6 +375,18 @@ int EcPrg::error(const char* format, ...) {
   va_start(args, format);
   std::vsnprintf(error_message, sizeof error_message, format, args);
   va_end(args);
+  if (message_line != 0) {
+    va_start(args, format);
+    messages.push_back({format_text(format, args), 0, message_line});
+    va_end(args);
+  }
+  return 1;
+}
+
+// The error that `format` makes of the name.
+int EcPrg::error_about(int symbol, const char* format) {
+  error(format, symbols->name(symbol));
+  if (message_line != 0) messages.back().name = symbol;
   return 1;
 }
 

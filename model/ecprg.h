@@ -8,6 +8,7 @@
 #define MODEL_ECPRG_H
 
 #include <map>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -22,6 +23,11 @@ extern int Iprint_current_mark;
 
 // Which check refused the last text given to EcPrg::exp_parse.
 enum class ExpRefusal { none, syntax, name, type };
+
+// What a program declares.
+enum class NameKind { input, output, local, constant, function, type };
+constexpr NameKind name_kinds[] = {NameKind::input,    NameKind::output,   NameKind::local,
+                                   NameKind::constant, NameKind::function, NameKind::type};
 
 class EcPrg {
  public:
@@ -60,7 +66,8 @@ class EcPrg {
   // (`names`) = `e`. Takes `names`. Returns the record of the last one, or null if one of them is
   // not declared or already defined; the whole equation is then dropped.
   IdentInfo* define_tuple(IntList* names, Exp* e);
-  void add_assertion(Exp* e);
+  // Returns the record, or null if `e` is.
+  IdentInfo* add_assertion(Exp* e);
 
   // --- Expressions.
 
@@ -71,14 +78,19 @@ class EcPrg {
   Exp* get_bool_const(int name);
   Exp* get_int_const(int name);
   Exp* get_real_const(int name);
-  // Reads, enters and types the expression `text`. Null if it is refused: `exp_refusal` tells by
-  // which check, and nothing is left of it but interned names. Defined with the reader.
+  // Reads and enters the expression `text`; exp_parse also types it. Null if it is refused:
+  // `exp_refusal` tells by which check, and nothing is left of it but interned names. Defined with
+  // the reader.
+  Exp* exp_read(const char* text);
   Exp* exp_parse(const char* text);
   // The type of `e`, computed where it is not yet known; null with a message if it is ill-typed.
   EcType* type(Exp* e);
   // The clock of `e`, computed where it is not yet known: the symbol of a boolean. 0 for a sampling
   // by something unnamed and -1 where there is no rule, both reported through ierror.
   int clock(Exp* e);
+  // The type of `e` as its operands give it, whatever an equation has said. Leaves it with the type
+  // that it had.
+  EcType* type_of_operands(Exp* e);
 
   // A point to which what expressions made of their own (nodes, literals, tuple types) can be taken
   // back. Nothing else may be declared between the two calls.
@@ -108,8 +120,13 @@ class EcPrg {
   // asked.
   IdentInfo* ident(int symbol);
   FuncInfo* function(int symbol);
+  // The names of a kind in order, each once: a name declared again stands where it was declared
+  // last. Functions with several results come after the others.
+  std::vector<int> declared_names(NameKind kind);
   // The record of a name that can stand in an expression; null with a message for any other.
   IdentInfo* declared_ident(int symbol);
+  // The type of that name; null where there is none.
+  EcType* named_type(int symbol) const;
   // The name of `type`, or `unnamed` for a tuple or null.
   const char* type_name(const EcType* type, const char* unnamed) const;
 
@@ -118,11 +135,23 @@ class EcPrg {
   int error(const char* format, ...) PRINTF_LIKE(2, 3);
   static int ierror(const char* format, ...) PRINTF_LIKE(1, 2);
 
+  // What was reported while a text was read.
+  struct Message {
+    std::string text;  // whole
+    int name;          // the symbol that it is about; 0: none
+    int line;          // of what it is about
+  };
+
   // --- Texts of the program; defined with the writers. All borrow the stream.
 
   // EC text on standard output. Returns 0, or 1 where it stopped at a function that is not
   // declared.
   unsigned print_ec();
+  // EC text that reads back as the same program: as print_ec, but with the values of enumerations,
+  // tuple equations in brackets, and names for parameters that have none. What has no type is given
+  // one that is not declared. A name that is none of the language, and a node without inputs or
+  // outputs, cannot be read back.
+  void print_source(PtyStream* out);
   // Quarel text.
   void print_quarel(PtyStream* out);
   // One expression on standard output, without an end of line.
@@ -168,9 +197,13 @@ class EcPrg {
   ExpHeap exp_heap;               // every node
   SymbolInfoHeap info_heap;       // every identifier's record; borrowed from `infos` and `replaced`
   char error_message[1024] = "";
+  std::vector<Message> messages;  // of the text that the program was read from, in order
+  int message_line = 0;           // of what is being read; 0: messages are not kept
+  bool silent = false;            // type and clock report no misuse through ierror
   ExpRefusal exp_refusal = ExpRefusal::none;
 
  private:
+  int error_about(int symbol, const char* format);
   SymbolInfo* record(int symbol);
   SymbolInfo*& prepare_slot(int symbol);
   void install(SymbolInfo*& slot, std::unique_ptr<SymbolInfo> record) noexcept;
@@ -180,8 +213,9 @@ class EcPrg {
   struct ByValues {  // an order of lists
     bool operator()(const IntList* a, const IntList* b) const;
   };
-  struct Dialect;  // what EC and Quarel text differ in; the writers know it
-  unsigned print_program(const Dialect& dialect, PtyStream* out);
+  struct Dialect;  // what the texts of a program differ in; the writers know it
+  class Printer;
+  static const Dialect ec, source, quarel;
 
   SymbolInfoHeap replaced_;                            // records of names declared again
   std::vector<std::unique_ptr<IntList>> tuple_names_;  // of the tuple equations

@@ -38,6 +38,7 @@ class EcType {
   IdentInfo* enum_const(int i);
 
   int number = 0;                             // rank of a user's type, from 1; 0 for the others
+  int line = 0;                               // of its name in the text read; 0: none
   IntList* constants = nullptr;               // names of the user constants of this type; owned
   int nb_enum = 0;                            // constants of an enumerated type
   std::unique_ptr<IdentInfo*[]> enum_consts;  // by rank; the records are the program's
@@ -91,6 +92,8 @@ class IdentInfo : public SymbolInfo {
   int value = 0;   // a constant's position or number; the bits of a float for a real literal
   int order = -1;  // rank among inputs, outputs or locals, or in an enumeration; from 0
   IdentMode mode;
+  int line = 0;  // of the name's declaration, or of an assertion, in the text read; 0: none
+  int equation_line = 0;        // where the left side of its equation begins in that text; 0: none
   void* writer_info = nullptr;  // for writers to use; the model leaves it null
 };
 
@@ -116,6 +119,7 @@ class FuncInfo : public SymbolInfo {
   int name;
   int tuple_result;  // 1: the result type is a tuple
   int index = 0;     // rank among the program's functions of this `tuple_result`, from 0
+  int line = 0;      // of its name in the text read; 0: none
   EcType* param_type;
   EcType* result_type;
   IntList* params;   // owned

@@ -5,8 +5,16 @@
 #include <vector>
 
 bool reader_out_of_memory;
+bool reader_keeps_messages;
 
 namespace {
+
+// The name list that is being read, or was read last.
+struct ListedName {
+  int symbol;
+  int line;
+};
+std::vector<ListedName> listed_names;
 
 // The result of `action`, or null or 0 when memory runs out under it.
 template <class Action>
@@ -19,22 +27,38 @@ auto attempt(Action action) -> decltype(action()) {
   }
 }
 
+// The same for an action whose messages are about what stands at `place`.
+template <class Action>
+auto attempt_at(EcPosition place, Action action) -> decltype(action()) {
+  struct Place {
+    explicit Place(int line) { YY_ecprg->message_line = line; }
+    ~Place() { YY_ecprg->message_line = 0; }
+  };
+  const Place about(reader_keeps_messages ? place.line : 0);
+  return attempt(action);
+}
+
 // Gives every name of `names`, which it takes, to `declare`, with the type called `type_name`.
 template <class Declare>
-void declare_all(IntList* names, int type_name, Declare declare) {
+void declare_all(IntList* names, int type_name, EcPosition type_place, Declare declare) {
   std::unique_ptr<IntList> held(names);
-  attempt([&] {
-    for (const IntList* cell = names; cell != nullptr; cell = cell->next)
-      declare(cell->value, YY_ecprg->get_named_type(type_name));
+  if (names == nullptr) return;
+  attempt_at(type_place, [&] {
+    EcType* type = YY_ecprg->get_named_type(type_name);
+    for (const ListedName& name : listed_names) {
+      declare(name.symbol, type);
+      YY_ecprg->ident(name.symbol)->line = name.line;
+    }
   });
 }
 
-// The type of a parameter list. Takes `names` where a type is made of it.
+// The type of a parameter list; null where there is none of a single type's name. Takes `names`
+// where a type is made of it.
 EcType* type_of_list(std::unique_ptr<IntList>& names) {
-  for (const IntList* cell = names.get(); cell != nullptr; cell = cell->next)
-    YY_ecprg->get_named_type(cell->value);  // reports the unknown ones
+  if (names == nullptr) return nullptr;
+  if (names->next == nullptr) return YY_ecprg->named_type(names->value);
   EcType* type = YY_ecprg->define_type(names.get());
-  if (type != nullptr && type->is_tuple && type->members == names.get()) names.release();
+  if (type->members == names.get()) names.release();
   return type;
 }
 
@@ -59,7 +83,14 @@ Exp* node(ExpNature nature, int rank, Operands... operands) {
   });
 }
 
+// Notes where the equation stands that now defines `ident`.
+void note_equation(IdentInfo* ident, EcPosition place) {
+  if (ident->mode == OUTPUT_mode || ident->mode == LOCAL_mode) ident->equation_line = place.line;
+}
+
 }  // namespace
+
+void forget_names() { std::vector<ListedName>().swap(listed_names); }
 
 int intern(const char* text) {
   return attempt([&] { return YY_Symbols->add_text(text); });
@@ -71,32 +102,60 @@ IntList* new_list(int value) {
   return attempt([&] { return new IntList(&value, 1); });
 }
 
-void AddUserConsts(IntList* names, int type, int clock) {
-  declare_all(names, type, [=](int name, EcType* t) { YY_ecprg->add_usr_const(name, t, clock); });
+IntList* new_name_list(int name, EcPosition place) {
+  listed_names.clear();
+  return and_name(nullptr, name, place);
 }
 
-void AddInputs(IntList* names, int type, int clock) {
-  declare_all(names, type, [=](int name, EcType* t) { YY_ecprg->add_input(name, t, clock); });
+IntList* and_name(IntList* names, int name, EcPosition place) {
+  attempt([=] { listed_names.push_back({name, place.line}); });
+  return append(names, new_list(name));
 }
 
-void AddOutputs(IntList* names, int type, int clock) {
-  declare_all(names, type, [=](int name, EcType* t) { YY_ecprg->add_output(name, t, clock, 0); });
+IntList* new_type_list(int type, EcPosition place) {
+  attempt_at(place, [=] { YY_ecprg->get_named_type(type); });
+  return new_list(type);
 }
 
-void AddLocals(IntList* names, int type, int clock) {
-  declare_all(names, type, [=](int name, EcType* t) { YY_ecprg->add_local(name, t, clock); });
+void AddUserConsts(IntList* names, int type, int clock, EcPosition type_place) {
+  declare_all(names, type, type_place,
+              [=](int name, EcType* t) { YY_ecprg->add_usr_const(name, t, clock); });
 }
 
-void add_abstract_type(int name) {
-  attempt([=] { YY_ecprg->add_usr_type(name); });
+void AddInputs(IntList* names, int type, int clock, EcPosition type_place) {
+  declare_all(names, type, type_place,
+              [=](int name, EcType* t) { YY_ecprg->add_input(name, t, clock); });
 }
 
-void add_enum_type(int name, IntList* constants) {
+void AddOutputs(IntList* names, int type, int clock, EcPosition type_place) {
+  declare_all(names, type, type_place,
+              [=](int name, EcType* t) { YY_ecprg->add_output(name, t, clock, 0); });
+}
+
+void AddLocals(IntList* names, int type, int clock, EcPosition type_place) {
+  declare_all(names, type, type_place,
+              [=](int name, EcType* t) { YY_ecprg->add_local(name, t, clock); });
+}
+
+void add_abstract_type(int name, EcPosition place) { add_enum_type(name, nullptr, place); }
+
+void add_enum_type(int name, IntList* constants, EcPosition place) {
   std::unique_ptr<IntList> held(constants);
-  attempt([=] { YY_ecprg->add_usr_type(name, constants); });
+  attempt_at(place, [=] {
+    const int known = YY_ecprg->nb_user_types;
+    if (constants == nullptr)
+      YY_ecprg->add_usr_type(name);
+    else
+      YY_ecprg->add_usr_type(name, constants);
+    if (YY_ecprg->nb_user_types == known) return;
+    YY_ecprg->named_type(name)->line = place.line;
+    if (constants == nullptr) return;
+    for (const ListedName& constant : listed_names)
+      YY_ecprg->ident(constant.symbol)->line = constant.line;
+  });
 }
 
-void add_function(int name, EcValue::Params params, EcValue::Params results) {
+void add_function(int name, EcValue::Params params, EcValue::Params results, EcPosition place) {
   std::unique_ptr<IntList> param_names(params.names);
   std::unique_ptr<IntList> param_types(params.types);
   std::unique_ptr<IntList> result_names(results.names);
@@ -107,23 +166,38 @@ void add_function(int name, EcValue::Params params, EcValue::Params results) {
     EcType* param_type = type_of_list(param_types);
     EcType* result_type = type_of_list(result_types);
     YY_ecprg->add_usr_func(name, param_type, result_type, inputs.release(), outputs.release());
+    YY_ecprg->function(name)->line = place.line;
   });
 }
 
-void add_assertion(Exp* e) {
-  attempt([=] { YY_ecprg->add_assertion(e); });
+void add_assertion(Exp* e, EcPosition place) {
+  attempt([=] {
+    if (IdentInfo* assertion = YY_ecprg->add_assertion(e)) assertion->line = place.line;
+  });
 }
 
-void add_equation(int name, Exp* e) {
-  attempt([=] { YY_ecprg->define_ident(name, e); });
+void add_equation(int name, Exp* e, EcPosition place) {
+  attempt_at(place, [=] {
+    if (IdentInfo* ident = YY_ecprg->define_ident(name, e)) note_equation(ident, place);
+  });
 }
 
-void add_tuple_equation(IntList* names, Exp* e) {
-  attempt([=] { YY_ecprg->define_tuple(names, e); });
+void add_tuple_equation(IntList* names, Exp* e, EcPosition place) {
+  attempt_at(place, [=] {
+    EcPrg& prg = *YY_ecprg;
+    const size_t messages = prg.messages.size();
+    const bool is_defined = prg.define_tuple(names, e) != nullptr;
+    for (const ListedName& name : listed_names) {
+      if (is_defined) note_equation(prg.ident(name.symbol), place);
+      // A message is about one of the names, which may stand on a line of its own.
+      if (prg.messages.size() > messages && prg.messages.back().name == name.symbol)
+        prg.messages.back().line = name.line;
+    }
+  });
 }
 
-Exp* reference(int name) {
-  return attempt([=] {
+Exp* reference(int name, EcPosition place) {
+  return attempt_at(place, [=] {
     IdentInfo* ident = YY_ecprg->declared_ident(name);
     return ident != nullptr ? ident->ident_exp : nullptr;
   });

@@ -9,36 +9,45 @@
 #include "reader/reader.h"
 
 extern bool reader_out_of_memory;
+extern bool reader_keeps_messages;  // in the program: it is read, and not an expression against it
 
 // --- Names, and lists of them. What takes a list deletes it where it does not keep it.
 
+// Returns the memory that names took, at the end of a parse.
+void forget_names();
 int intern(const char* text);
 int base_clock();
 IntList* new_list(int value);
+// Names with their places, for the operations below. One such list is read at a time.
+IntList* new_name_list(int name, EcPosition place);
+IntList* and_name(IntList* names, int name, EcPosition place);  // takes `names`
+// The name of a parameter's type, which is reported where it is unknown.
+IntList* new_type_list(int type, EcPosition place);
 
-// --- Declarations. `type` is the symbol of a type's name. A type that is unknown is reported, and
-// what is declared with it has none. The four take `names`.
+// --- Declarations. `type` is the symbol of a type's name, which stands at `type_place`. A type
+// that is unknown is reported, and what is declared with it has none. The four take `names`, the
+// name list read last.
 
-void AddUserConsts(IntList* names, int type, int clock);
-void AddInputs(IntList* names, int type, int clock);
-void AddOutputs(IntList* names, int type, int clock);
-void AddLocals(IntList* names, int type, int clock);
-void add_abstract_type(int name);
-// Takes `constants`.
-void add_enum_type(int name, IntList* constants);
+void AddUserConsts(IntList* names, int type, int clock, EcPosition type_place);
+void AddInputs(IntList* names, int type, int clock, EcPosition type_place);
+void AddOutputs(IntList* names, int type, int clock, EcPosition type_place);
+void AddLocals(IntList* names, int type, int clock, EcPosition type_place);
+void add_abstract_type(int name, EcPosition place);
+// Takes `constants`, the name list read last.
+void add_enum_type(int name, IntList* constants, EcPosition place);
 // Takes all four lists.
-void add_function(int name, EcValue::Params params, EcValue::Params results);
+void add_function(int name, EcValue::Params params, EcValue::Params results, EcPosition place);
 
-// --- Equations and assertions. A null expression is dropped.
+// --- Equations and assertions, which begin at `place`. A null expression is dropped.
 
-void add_assertion(Exp* e);
-void add_equation(int name, Exp* e);
-// Takes `names`.
-void add_tuple_equation(IntList* names, Exp* e);
+void add_assertion(Exp* e, EcPosition place);
+void add_equation(int name, Exp* e, EcPosition place);
+// Takes `names`, the name list read last.
+void add_tuple_equation(IntList* names, Exp* e, EcPosition place);
 
 // --- Expressions. Null operands give null. Nodes are entered in the program.
 
-Exp* reference(int name);  // null, with a message, for a name that is not declared
+Exp* reference(int name, EcPosition place);  // null, with a message, if it is not declared
 Exp* bool_constant(const char* text);
 Exp* int_constant(const char* text);
 Exp* real_constant(const char* text);

@@ -6,6 +6,8 @@
 
 %define api.prefix {ecprg_}
 %define api.value.type {EcValue}
+%locations
+%define api.location.type {EcPosition}
 
 %code requires {
 #include "reader/reader.h"
@@ -24,6 +26,11 @@
 
 /* When the stacks grow, values move by assignment. */
 #define YYCOPY(to, from, count) std::copy_n(from, count, to)
+
+/* Bison asks before it lets the stack of places grow. */
+#define ECPRG_LTYPE_IS_TRIVIAL 1
+/* What a rule makes stands where its first token does. */
+#define YYLLOC_DEFAULT(current, right, count) ((current) = (right)[(count) > 0 ? 1 : 0])
 }
 
 /* Bison leaves the count of the parse before. */
@@ -126,8 +133,8 @@ const_list
   ;
 
 const_item
-  : '(' ident_list ':' type_ref ')' "when" clock { AddUserConsts($2, $4, $7); }
-  | ident_list ':' type_ref { AddUserConsts($1, $3, base_clock()); }
+  : '(' ident_list ':' type_ref ')' "when" clock { AddUserConsts($2, $4, $7, @4); }
+  | ident_list ':' type_ref { AddUserConsts($1, $3, base_clock(), @3); }
   ;
 
 type_ref
@@ -166,11 +173,11 @@ type_item
   ;
 
 abstract_type
-  : ident { add_abstract_type($1); }
+  : ident { add_abstract_type($1, @1); }
   ;
 
 enum_type
-  : ident '=' '(' ident_list ')' { add_enum_type($1, $4); }
+  : ident '=' '(' ident_list ')' { add_enum_type($1, $4, @1); }
   ;
 
 ident
@@ -179,7 +186,7 @@ ident
 
 func_decl
   : "function" ident '(' param_list ')' "returns" '(' param_list ')' opt_end
-    { add_function($2, $4, $8); }
+    { add_function($2, $4, $8, @2); }
   ;
 
 param_list
@@ -189,7 +196,7 @@ param_list
   ;
 
 param
-  : ident ':' type_ref { $$.names = new_list($1); $$.types = new_list($3); }
+  : ident ':' type_ref { $$.names = new_list($1); $$.types = new_type_list($3, @3); }
   ;
 
 opt_end
@@ -213,8 +220,8 @@ input_list
   ;
 
 input_item
-  : '(' ident_list ':' type_ref ')' "when" clock { AddInputs($2, $4, $7); }
-  | ident_list ':' type_ref { AddInputs($1, $3, base_clock()); }
+  : '(' ident_list ':' type_ref ')' "when" clock { AddInputs($2, $4, $7, @4); }
+  | ident_list ':' type_ref { AddInputs($1, $3, base_clock(), @3); }
   ;
 
 output_list
@@ -223,8 +230,8 @@ output_list
   ;
 
 output_item
-  : '(' ident_list ':' type_ref ')' "when" clock { AddOutputs($2, $4, $7); }
-  | ident_list ':' type_ref { AddOutputs($1, $3, base_clock()); }
+  : '(' ident_list ':' type_ref ')' "when" clock { AddOutputs($2, $4, $7, @4); }
+  | ident_list ':' type_ref { AddOutputs($1, $3, base_clock(), @3); }
   ;
 
 opt_locals
@@ -238,8 +245,8 @@ local_list
   ;
 
 local_item
-  : '(' ident_list ':' type_ref ')' "when" clock { AddLocals($2, $4, $7); }
-  | ident_list ':' type_ref { AddLocals($1, $3, base_clock()); }
+  : '(' ident_list ':' type_ref ')' "when" clock { AddLocals($2, $4, $7, @4); }
+  | ident_list ':' type_ref { AddLocals($1, $3, base_clock(), @3); }
   ;
 
 body
@@ -253,20 +260,20 @@ stmt_list
   ;
 
 stmt
-  : "assert" exp ';' { add_assertion($2); }
-  | ident '=' exp ';' { add_equation($1, $3); }
-  | '(' ident_list ')' '=' exp ';' { add_tuple_equation($2, $5); }
+  : "assert" exp ';' { add_assertion($2, @1); }
+  | ident '=' exp ';' { add_equation($1, $3, @1); }
+  | '(' ident_list ')' '=' exp ';' { add_tuple_equation($2, $5, @1); }
   ;
 
 ident_list
-  : ident { $$ = new_list($1); }
-  | ident_list ',' ident { $$ = append($1, new_list($3)); }
+  : ident { $$ = new_name_list($1, @1); }
+  | ident_list ',' ident { $$ = and_name($1, $3, @3); }
   ;
 
 exp
   : '(' exp ')' { $$ = $2; }
   | constant
-  | ident { $$ = reference($1); }
+  | ident { $$ = reference($1, @1); }
   | "not" exp { $$ = unary(NOT_n, $2); }
   | "int" exp { $$ = unary(REAL2INT_n, $2); }
   | "real" exp { $$ = unary(INT2REAL_n, $2); }

@@ -1,6 +1,8 @@
 // The lexer: characters to tokens.
 
+#include <algorithm>
 #include <array>
+#include <climits>
 #include <cstdarg>
 #include <cstring>
 
@@ -111,6 +113,19 @@ bool continues_name(int c) {
   return begins == Begins::name || begins == Begins::number;
 }
 
+// For the column of a token: what was asked for since the scan began, the current character
+// included, and how much of it stands before the current line or is no character of its own.
+long long asked_for;
+long long not_in_column;
+
+// The bytes of a character of UTF-8 behind its first.
+bool continues_character(int c) { return (c & 0xC0) == 0x80; }
+
+void note_token() {
+  const long long column = std::min<long long>(asked_for - not_in_column, INT_MAX);
+  ecprg_lloc = EcPosition(yyline, static_cast<int>(column));
+}
+
 // Reads by one thread, as all of the reader, so a character needs no lock. Inline: most of the time
 // of a scan is spent here.
 inline int next_character() {
@@ -119,7 +134,11 @@ inline int next_character() {
     c = getc_unlocked(YY_infile);
   else if (*YY_instring != '\0')
     c = static_cast<unsigned char>(*YY_instring++);
-  if (c == '\n') ++yyline;
+  ++asked_for;
+  if (c == '\n') {
+    ++yyline;
+    not_in_column = asked_for;
+  }
   return c;
 }
 
@@ -203,6 +222,7 @@ void skip_block_comment() {
   do {
     before = carcour;
     if (advance() == -1) return;
+    if (continues_character(carcour)) ++not_in_column;
   } while (before != '*' || carcour != ')');
   advance();
 }
@@ -244,6 +264,7 @@ static int start_scan(int boot, FILE* f, const char* text) {
   yyline = 1;
   YY_instring = text;
   YY_infile = f;
+  asked_for = not_in_column = 0;
   return advance() != -1;
 }
 
@@ -260,17 +281,22 @@ int ecprg_lex() {
         advance();
         break;
       case Begins::number:
+        note_token();
         return number();
       case Begins::name:
+        note_token();
         return name_or_keyword();
       case Begins::single:
+        note_token();
         YY_result = carcour;
         advance();
         return YY_result;
       case Begins::longer:
+        note_token();
         if (comment_or_sign()) return YY_result;
         break;
       case Begins::nothing:
+        note_token();
         return carcour == -1 ? -1 : unknown_character();
     }
   }

@@ -20,6 +20,7 @@ static int parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const char
   YY_Symbols = symbols;
   ecexp = nullptr;
   reader_out_of_memory = false;
+  reader_keeps_messages = boot == START_EC;
   if (f != nullptr)
     yylexInitFile(boot, f);
   else
@@ -29,7 +30,11 @@ static int parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const char
   YY_Symbols = nullptr;
   YY_infile = nullptr;
   YY_instring = nullptr;
+  forget_names();
   if (reader_out_of_memory) throw std::bad_alloc();
+  // Behind a whole program a lexical error ends the text, and the grammar does not complain.
+  if (result == 0 && boot == START_EC && YY_lexical_error[0] != '\0')
+    prg->messages.push_back({YY_lexical_error, 0, ecprg_lloc.line});
   return result;
 }
 
@@ -60,6 +65,10 @@ int EcParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f) {
   return parse(prg, symbols, START_EC, f, nullptr);
 }
 
+int EcParseString(EcPrg* prg, SymbolTable* symbols, const char* text) {
+  return parse(prg, symbols, START_EC, nullptr, text);
+}
+
 int EcExpParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f, Exp** out) {
   return read_expression(prg, symbols, f, nullptr, out) != ExpRefusal::none;
 }
@@ -68,17 +77,20 @@ int EcExpParseString(EcPrg* prg, SymbolTable* symbols, const char* text, Exp** o
   return read_expression(prg, symbols, nullptr, text, out) != ExpRefusal::none;
 }
 
-Exp* EcPrg::exp_parse(const char* text) {
-  const Mark before = mark();
+static Exp* parse_expression(EcPrg* prg, const char* text, bool is_typed) {
+  const EcPrg::Mark before = prg->mark();
   Exp* e = nullptr;
   try {
-    exp_refusal = read_expression(this, symbols, nullptr, text, &e);
-    if (e != nullptr && type(e) == nullptr) exp_refusal = ExpRefusal::type;
+    prg->exp_refusal = read_expression(prg, prg->symbols, nullptr, text, &e);
+    if (is_typed && e != nullptr && prg->type(e) == nullptr) prg->exp_refusal = ExpRefusal::type;
   } catch (const std::bad_alloc&) {
-    roll_back(before);
+    prg->roll_back(before);
     throw;
   }
-  if (exp_refusal == ExpRefusal::none) return e;
-  roll_back(before);
+  if (prg->exp_refusal == ExpRefusal::none) return e;
+  prg->roll_back(before);
   return nullptr;
 }
+
+Exp* EcPrg::exp_read(const char* text) { return parse_expression(this, text, false); }
+Exp* EcPrg::exp_parse(const char* text) { return parse_expression(this, text, true); }

@@ -36,13 +36,25 @@ struct EcValue {
   };
 };
 
+// A place in a text. A column counts characters of UTF-8, not their bytes.
+struct EcPosition {
+  // Bison's first place has four numbers.
+  EcPosition(int in_line = 1, int in_column = 1, int = 0, int = 0)
+      : line(in_line), column(in_column) {}
+
+  int line;    // from 1
+  int column;  // from 1
+};
+
 // --- Entry points. They borrow everything they are given, and the file is left open where they did
 // not open it. They answer 0 for success, 1 after an error, 2 when the text nests deeper than the
-// parser's stack. What was declared before the error stays in the program.
+// parser's stack. What was declared before the error stays in the program, and what was reported
+// stands in its `messages`, but for the syntax error that ended a text.
 
-// Reads the file `path`; a file that cannot be opened is reported on standard error.
+// Read a whole program. A path that cannot be opened is reported on standard error.
 int EcParse(EcPrg* prg, SymbolTable* symbols, const char* path);
 int EcParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f);
+int EcParseString(EcPrg* prg, SymbolTable* symbols, const char* text);
 // Read one expression. `*out` is the expression, owned by `prg`, or null after any error.
 int EcExpParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f, Exp** out);
 int EcExpParseString(EcPrg* prg, SymbolTable* symbols, const char* text, Exp** out);
@@ -79,6 +91,7 @@ extern EcPrg* YY_ecprg;          // the program being filled; null: reports go n
 extern SymbolTable* YY_Symbols;  // where names are interned
 extern Exp* ecexp;               // the expression that was read
 extern EcValue ecprg_lval;       // value of the current token
+extern EcPosition ecprg_lloc;    // where that token begins; at the end, behind the last character
 extern int ecprg_char;           // the look-ahead token; -2: none
 extern int ecprg_nerrs;          // syntax errors of the current parse
 

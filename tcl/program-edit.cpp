@@ -5,6 +5,7 @@
 #include "foundation/errors.h"
 #include "reader/reader.h"
 #include "tcl/dorvik.h"
+#include "tcl/syntax_error.h"
 
 // A new symbol: the prefix and a number that makes it one. The numbers never go back.
 int EcPrgVar::built_new_ident(const char* prefix) {
@@ -86,9 +87,9 @@ int EcPrgVar::parse_exp(const Operation& operation, const char* text, Exp** e) {
   *e = prg->exp_parse(text);
   if (*e != nullptr) return TCL_OK;
   const char* message = prg->error_message;
-  const std::string line = std::to_string(yyline);
+  const SyntaxError syntax(message);
   ErrorCode code = {{"TYPE", "EXPRESSION", message}};
-  if (prg->exp_refusal == ExpRefusal::syntax) code = {{"SYNTAX", line.c_str(), message}};
+  if (prg->exp_refusal == ExpRefusal::syntax) code = syntax.code();
   if (prg->exp_refusal == ExpRefusal::name) code = {{"LOOKUP", "IDENT", message}};
   return call_error(code, "%s %s : %s", command_name(), operation.word, message);
 }

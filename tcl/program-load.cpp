@@ -11,6 +11,7 @@
 #include "reader/reader.h"
 #include "tcl/dorvik.h"
 #include "tcl/interned_text.h"
+#include "tcl/syntax_error.h"
 
 // A fresh program on a table of its own: what an object is given as a whole.
 struct EcPrgVar::Program {
@@ -100,12 +101,11 @@ int EcPrgVar::load(const Operation& operation, int, const char* params[]) {
     return call_error(io_error(name), "%s: can't read file '%s'", operation.word, name);
   const char* message = fresh.prg->error_message;
   if (message[0] != '\0') Verbose("%s\n", message);
-  const std::string line = std::to_string(yyline);
-  const ErrorCode code = {{"SYNTAX", line.c_str(), message[0] != '\0' ? message : "no node"}};
+  const SyntaxError syntax(message[0] != '\0' ? message : "no node");
   if (refused)
-    return call_error(code, "%s: syntax errors while parsing '%s'", operation.word, name);
+    return call_error(syntax.code(), "%s: syntax errors while parsing '%s'", operation.word, name);
   if (fresh.prg->name == 0)
-    return call_error(code, "%s: can't load node ('%s' is empty)", operation.word, name);
+    return call_error(syntax.code(), "%s: can't load node ('%s' is empty)", operation.word, name);
   install(std::move(fresh));
   report_program(name, "loaded");
   return TCL_OK;

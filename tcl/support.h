@@ -18,9 +18,9 @@
 #endif
 
 // What the variable errorCode says behind the word TAMSEL: the kind of the error (USAGE, LOOKUP,
-// STATE, SYNTAX, TYPE or IO), then details. Borrowed texts; the first null ends them.
+// STATE, SYNTAX, TYPE, CLOCK or IO), then details. Borrowed texts; the first null ends them.
 struct ErrorCode {
-  const char* words[4];
+  const char* words[6];
 };
 
 // The errorCode of the failed system call that has just set errno, on the file or channel `name`.
