@@ -211,6 +211,7 @@ IdentInfo* EcPrg::define_ident(int symbol, Exp* e) {
   if (record->definition != nullptr) error_about(symbol, "ident '%s' is already defined");
   if (record->tuple_names != nullptr) return nullptr;
   record->definition = e;
+  ++revision;
   set_type_and_clock(e, record->type, record->clock);
   return record;
 }
@@ -236,6 +237,7 @@ IdentInfo* EcPrg::define_tuple(IntList* names, Exp* e) {
     set_type_and_clock(projections.back(), record->type, record->clock);
   }
   tuple_names_.push_back(std::move(held));
+  ++revision;
   for (size_t i = 0; i < records.size(); ++i) {
     records[i]->definition = projections[i];
     records[i]->tuple_names = names;

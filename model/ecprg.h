@@ -201,6 +201,7 @@ class EcPrg {
   int message_line = 0;           // of what is being read; 0: messages are not kept
   bool silent = false;            // type and clock report no misuse through ierror
   ExpRefusal exp_refusal = ExpRefusal::none;
+  unsigned revision = 0;  // another with each change of an equation
 
  private:
   int error_about(int symbol, const char* format);

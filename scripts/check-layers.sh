@@ -14,7 +14,8 @@ layers='
   model       foundation
   reader      foundation model
   writers     foundation model
-  tcl         foundation model reader writers
+  analysis    foundation model writers
+  tcl         foundation model reader writers analysis
 '
 
 folders=$(awk 'NF {print $1}' <<<"$layers")

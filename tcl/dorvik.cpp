@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "foundation/errors.h"
+#include "tcl/ensemble.h"
 #include "tcl/tcl_init_quarel.h"
 #include "tcl/tcl_timer.h"
 
@@ -123,6 +124,7 @@ void forget_interp(void* data, Tcl_Interp*) {
     dorvik->remove_ecprg(left);
     left->release();
   }
+  dorvik->ensemble.reset();
   dorvik->interp = nullptr;
 }
 
@@ -158,9 +160,12 @@ Dorvik::Dorvik(Tcl_Interp* served) : interp(served), programs(nullptr), previous
   Tcl_IncrRefCount(sigint_script);
   for (const GlobalCommand& command : global_commands)
     Tcl_CreateCommand(interp, command.name, command.procedure, this, nullptr);
+  ensemble = std::make_unique<tamsel::Ensemble>(interp);
   last_dorvik = this;
   std::signal(SIGINT, DORVIK_general_sigint);
 }
+
+Dorvik::~Dorvik() = default;
 
 int Dorvik::error(const char* format, ...) {
   va_list args;

@@ -10,12 +10,16 @@
 #include <memory>
 #include <vector>
 
+#include "analysis/users.h"
 #include "foundation/text.h"
 #include "model/ecprg.h"
 #include "tcl/support.h"
 
 class EcPrgVar;
 struct Operation;
+namespace tamsel {
+class Ensemble;
+}
 
 // Binds the stubs of Tcl and Tk, provides package Tamsel 1.0, runs the start-up script and
 // registers all commands. TCL_ERROR where a step fails, with that step's message as the result.
@@ -30,8 +34,9 @@ int run_dorvik_Init(Tcl_Interp* interp);
 // The global commands of one interpreter. Lives until the process ends.
 class Dorvik {
  public:
-  // Registers help, verbose, sigint and ecprg, and handles SIGINT from now on.
+  // Registers help, verbose, sigint, ecprg and the ensemble, and handles SIGINT from now on.
   explicit Dorvik(Tcl_Interp* served);
+  ~Dorvik();
   Dorvik(const Dorvik&) = delete;
   Dorvik& operator=(const Dorvik&) = delete;
 
@@ -52,10 +57,11 @@ class Dorvik {
   // Runs it, unless the interpreter is gone.
   void run_sigint_script();
 
-  Tcl_Interp* interp;      // null when it is gone
-  Tcl_Obj* sigint_script;  // this object holds one reference
-  EcPrgVar* programs;      // live objects, newest first; owned by their commands
-  Dorvik* previous;        // the one made before this one, or null
+  Tcl_Interp* interp;                          // null when it is gone
+  Tcl_Obj* sigint_script;                      // this object holds one reference
+  std::unique_ptr<tamsel::Ensemble> ensemble;  // null when the interpreter is gone
+  EcPrgVar* programs;  // live objects, newest first; owned by their commands
+  Dorvik* previous;    // the one made before this one, or null
 };
 
 // The newest one. SIGINT is its.
@@ -143,11 +149,20 @@ class EcPrgVar {
   int holders = 1;                                                      // see the class
   int new_ident_count = 0;                                              // of generated names
   IntListIndex input_index, output_index, local_index, function_index;  // of the program's lists
+  std::unique_ptr<tamsel::Users> users;  // made when it is asked for, and again after a change
+
+  // A fresh program on a table of its own: what an object is given as a whole.
+  struct Program {
+    Program() { prg->EcPrgInit(symbols.get()); }
+
+    std::unique_ptr<SymbolTable> symbols = std::make_unique<SymbolTable>();
+    std::unique_ptr<EcPrg> prg = std::make_unique<EcPrg>();
+  };
+  // Cannot fail: the old program goes and the new one is there.
+  void install(Program program);
 
  private:
-  struct Program;
   int add_to_program(const Operation& operation, int nparams, const char* params[]);
-  void install(Program program);
   FILE* open_file(const Operation& operation, const char* name);
   FILE* open_channel(const Operation& operation, const char* name);
 

@@ -13,16 +13,8 @@
 #include "tcl/interned_text.h"
 #include "tcl/syntax_error.h"
 
-// A fresh program on a table of its own: what an object is given as a whole.
-struct EcPrgVar::Program {
-  Program() { prg->EcPrgInit(symbols.get()); }
-
-  std::unique_ptr<SymbolTable> symbols = std::make_unique<SymbolTable>();
-  std::unique_ptr<EcPrg> prg = std::make_unique<EcPrg>();
-};
-
-// Cannot fail: the old program goes and the new one is there.
 void EcPrgVar::install(Program program) {
+  users.reset();
   prg = std::move(program.prg);
   symbols = std::move(program.symbols);
   exp_names.reset();

@@ -17,6 +17,13 @@
 #define REQUIRED_TCL "8.5"
 #endif
 
+// What Tcl counts the items of a list with.
+#if TCL_MAJOR_VERSION >= 9
+using ListSize = Tcl_Size;
+#else
+using ListSize = int;
+#endif
+
 // What the variable errorCode says behind the word TAMSEL: the kind of the error (USAGE, LOOKUP,
 // STATE, SYNTAX, TYPE, CLOCK or IO), then details. Borrowed texts; the first null ends them.
 struct ErrorCode {

@@ -1,0 +1,266 @@
+#include "analysis/check.h"
+
+#include <algorithm>
+
+#include "analysis/clocks.h"
+#include "analysis/cycles.h"
+#include "analysis/equations.h"
+
+namespace tamsel {
+
+const char* kind_word(FindingKind kind) {
+  static const char* const words[] = {"hole", "type", "clock", "cycle", "unused"};
+  return words[static_cast<int>(kind)];
+}
+
+const char* severity_word(FindingKind kind) {
+  return kind == FindingKind::unused ? "note" : "error";
+}
+
+namespace {
+
+class Checker {
+ public:
+  explicit Checker(EcPrg* prg) : prg_(prg), equations_(equations_of(prg)) {}
+
+  void find_holes();
+  void find_type_errors();
+  void find_clock_errors();
+  void find_cycles();
+  void find_unused();
+
+  std::vector<Finding> findings;
+
+ private:
+  std::string quoted(int symbol) const {
+    return "'" + std::string(prg_->symbols->name(symbol)) + "'";
+  }
+  std::string type_text(const EcType* type) const;
+  bool fits(const EcType* type, const std::vector<int>& names) const;
+  std::string left_type_text(const std::vector<int>& names) const;
+  void add(FindingKind kind, std::vector<int> names, int line, std::string message) {
+    findings.push_back({kind, std::move(names), line, std::move(message)});
+  }
+  template <class Take>
+  void each_assertion(Take take) {
+    for (const IntList* cell = prg_->assertions; cell != nullptr; cell = cell->next) {
+      const IdentInfo* assertion = prg_->ident(cell->value);
+      if (assertion != nullptr && assertion->definition != nullptr) take(assertion);
+    }
+  }
+  template <class Take>
+  void each_declared(std::initializer_list<NameKind> kinds, Take take) {
+    for (const NameKind kind : kinds)
+      for (const int symbol : prg_->declared_names(kind)) take(prg_->ident(symbol));
+  }
+
+  std::string fault_of_clock(const IdentInfo* ident) const;
+  std::vector<bool> clock_loops();
+  void check_clock(const Equation& equation);
+
+  EcPrg* prg_;
+  std::vector<Equation> equations_;
+};
+
+void Checker::find_holes() {
+  for (const EcPrg::Message& message : prg_->messages) {
+    std::vector<int> names;
+    if (message.name != 0) names.push_back(message.name);
+    add(FindingKind::hole, names, message.line, message.text);
+  }
+  each_declared({NameKind::output, NameKind::local}, [this](const IdentInfo* ident) {
+    if (right_side(ident) == nullptr)
+      add(FindingKind::hole, {ident->name}, ident->line, "nothing defines " + quoted(ident->name));
+  });
+}
+
+// --- Types.
+
+std::string Checker::type_text(const EcType* type) const {
+  if (type == nullptr) return "?";
+  if (!type->is_tuple) return prg_->symbols->name(type->name);
+  std::string text;
+  for (const IntList* member = type->members; member != nullptr; member = member->next)
+    text += (text.empty() ? "(" : ", ") + std::string(prg_->symbols->name(member->value));
+  return text + ")";
+}
+
+// Whether the names of a left side have that type, as far as they have one.
+bool Checker::fits(const EcType* type, const std::vector<int>& names) const {
+  const auto agrees = [this](int member, int name) {
+    const EcType* declared = prg_->ident(name)->type;
+    return declared == nullptr || declared->name == member;
+  };
+  if (names.size() == 1) return !type->is_tuple && agrees(type->name, names[0]);
+  if (!type->is_tuple) return false;
+  const IntList* member = type->members;
+  for (const int name : names) {
+    if (member == nullptr || !agrees(member->value, name)) return false;
+    member = member->next;
+  }
+  return member == nullptr;
+}
+
+std::string Checker::left_type_text(const std::vector<int>& names) const {
+  if (names.size() == 1) return type_text(prg_->ident(names[0])->type);
+  std::string text;
+  for (const int name : names)
+    text += (text.empty() ? "(" : ", ") + type_text(prg_->ident(name)->type);
+  return text + ")";
+}
+
+void Checker::find_type_errors() {
+  for (const Equation& equation : equations_) {
+    const EcType* type = prg_->type_of_operands(equation.right);
+    if (type == nullptr)
+      add(FindingKind::type, equation.names(), equation.line(), prg_->error_message);
+    else if (const std::vector<int> names = equation.names(); !fits(type, names))
+      add(FindingKind::type, names, equation.line(),
+          "bad type combination '" + left_type_text(names) + " = " + type_text(type) + "'");
+  }
+  each_assertion([this](const IdentInfo* assertion) {
+    const EcType* type = prg_->type_of_operands(assertion->definition);
+    if (type == nullptr)
+      add(FindingKind::type, {}, assertion->line, prg_->error_message);
+    else if (type != prg_->bool_type)
+      add(FindingKind::type, {}, assertion->line,
+          "an assertion is 'bool', not '" + type_text(type) + "'");
+  });
+}
+
+// --- Clocks.
+
+// What is wrong with the clock that `ident` declares; empty where nothing is.
+std::string Checker::fault_of_clock(const IdentInfo* ident) const {
+  if (ident->clock == prg_->true_clock) return "";
+  const IdentInfo* clock = prg_->ident(ident->clock);
+  const std::string what = "the clock " + quoted(ident->clock) + " of " + quoted(ident->name);
+  if (clock == nullptr) return what + " is not declared";
+  const bool is_input = clock->mode == INPUT_mode;
+  const bool is_output = clock->mode == OUTPUT_mode;
+  if (!is_input && !is_output && clock->mode != LOCAL_mode) return what + " is a constant";
+  if (clock->type != nullptr && clock->type != prg_->bool_type) return what + " is no boolean";
+  if (ident->mode == INPUT_mode && !is_input) return what + " is no input";
+  if (ident->mode == OUTPUT_mode && !is_input && !is_output) return what + " is no input or output";
+  return "";
+}
+
+// Which symbols are variables whose clocks lead back to them. From each name at which nobody has
+// been, follows its clocks; where that meets its own path, there is a loop.
+std::vector<bool> Checker::clock_loops() {
+  std::vector<bool> in_loop(static_cast<size_t>(prg_->symbols->nb_symbols) + 1);
+  std::vector<int> path_of(in_loop.size());  // 0: not met
+  int path = 0;
+  const auto next = [this](const IdentInfo* ident) {
+    return ident->clock != prg_->true_clock ? prg_->ident(ident->clock) : nullptr;
+  };
+  each_declared({NameKind::input, NameKind::output, NameKind::local}, [&](const IdentInfo* start) {
+    ++path;
+    const IdentInfo* ident = start;
+    for (; ident != nullptr && path_of[static_cast<size_t>(ident->name)] == 0; ident = next(ident))
+      path_of[static_cast<size_t>(ident->name)] = path;
+    if (ident == nullptr || path_of[static_cast<size_t>(ident->name)] != path) return;
+    for (; !in_loop[static_cast<size_t>(ident->name)]; ident = next(ident))
+      in_loop[static_cast<size_t>(ident->name)] = true;
+  });
+  return in_loop;
+}
+
+void Checker::check_clock(const Equation& equation) {
+  const std::vector<int> names = equation.names();
+  const auto refuse = [&](const std::string& message) {
+    add(FindingKind::clock, names, equation.line(), message);
+  };
+  const int left = equation.first->clock;
+  for (const int name : names) {
+    const int clock = prg_->ident(name)->clock;
+    if (clock == left) continue;
+    return refuse("clock error: " + quoted(names[0]) + " runs on " + quoted(left) + " and " +
+                  quoted(name) + " on " + quoted(clock));
+  }
+  int right;
+  std::string message;
+  if (!find_clock(prg_, equation.right, &right, &message)) return refuse(message);
+  if (right != any_clock && right != left)
+    refuse("clock error: " + quoted(names[0]) + " runs on " + quoted(left) +
+           ", and its right side on " + quoted(right));
+}
+
+void Checker::find_clock_errors() {
+  const std::vector<bool> in_loop = clock_loops();
+  each_declared({NameKind::input, NameKind::output, NameKind::local, NameKind::constant},
+                [&](const IdentInfo* ident) {
+                  std::string fault = fault_of_clock(ident);
+                  if (fault.empty() && in_loop[static_cast<size_t>(ident->name)])
+                    fault = "the clocks of " + quoted(ident->name) + " lead back to it";
+                  if (!fault.empty())
+                    add(FindingKind::clock, {ident->name}, ident->line, "clock error: " + fault);
+                });
+  for (const Equation& equation : equations_) check_clock(equation);
+  each_assertion([this](const IdentInfo* assertion) {
+    int clock;
+    std::string message;
+    if (!find_clock(prg_, assertion->definition, &clock, &message))
+      add(FindingKind::clock, {}, assertion->line, message);
+  });
+}
+
+// --- Cycles, and what is not used.
+
+void Checker::find_cycles() {
+  for (const Cycle& cycle : cycles_of(prg_, equations_)) {
+    std::vector<int> names;
+    for (const Equation* equation : cycle.equations) {
+      const std::vector<int> left = equation->names();
+      names.insert(names.end(), left.begin(), left.end());
+    }
+    std::string message =
+        cycle.equations.size() == 1 ? "needs itself now: " : "need one another now: ";
+    for (const int name : cycle.loop) message += std::string(prg_->symbols->name(name)) + " -> ";
+    message += prg_->symbols->name(cycle.loop[0]);
+    add(FindingKind::cycle, std::move(names), cycle.equations[0]->line(), std::move(message));
+  }
+}
+
+void Checker::find_unused() {
+  std::vector<bool> used(static_cast<size_t>(prg_->symbols->nb_symbols) + 1);
+  const auto use = [&](int symbol) {
+    if (symbol > 0 && symbol <= prg_->symbols->nb_symbols) used[static_cast<size_t>(symbol)] = true;
+  };
+  Mentions mentions(prg_);
+  const auto use_all_of = [&](Exp* e) {
+    mentions.clear();
+    mentions.add(e);
+    for (const Mention& mention : mentions.all()) use(mention.symbol);
+  };
+  for (const Equation& equation : equations_) use_all_of(equation.right);
+  each_assertion([&](const IdentInfo* assertion) { use_all_of(assertion->definition); });
+  each_declared({NameKind::input, NameKind::output, NameKind::local, NameKind::constant},
+                [&](const IdentInfo* ident) { use(ident->clock); });
+
+  const auto note = [&](int symbol, int line) {
+    if (!used[static_cast<size_t>(symbol)])
+      add(FindingKind::unused, {symbol}, line, "nothing mentions " + quoted(symbol));
+  };
+  each_declared({NameKind::input, NameKind::local, NameKind::constant},
+                [&](const IdentInfo* ident) {
+                  if (ident->mode != ENUM_CONST_mode) note(ident->name, ident->line);
+                });
+  for (const int symbol : prg_->declared_names(NameKind::function))
+    note(symbol, prg_->function(symbol)->line);
+}
+
+}  // namespace
+
+std::vector<Finding> check(EcPrg* prg, const std::vector<FindingKind>& kinds) {
+  constexpr void (Checker::*passes[])() = {&Checker::find_holes, &Checker::find_type_errors,
+                                           &Checker::find_clock_errors, &Checker::find_cycles,
+                                           &Checker::find_unused};
+  Checker checker(prg);
+  for (const FindingKind kind : finding_kinds)
+    if (std::find(kinds.begin(), kinds.end(), kind) != kinds.end())
+      (checker.*passes[static_cast<int>(kind)])();
+  return std::move(checker.findings);
+}
+
+}  // namespace tamsel

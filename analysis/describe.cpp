@@ -1,0 +1,162 @@
+#include "analysis/describe.h"
+
+#include "analysis/equations.h"
+#include "model/walk.h"
+
+namespace tamsel {
+
+const char* kind_word(NameKind kind) {
+  static const char* const words[] = {"input", "output", "local", "constant", "function", "type"};
+  return words[static_cast<int>(kind)];
+}
+
+// The names and types that a declaration lists, or else the types alone.
+static std::vector<Parameter> listed(const IntList* list, const EcType* type) {
+  std::vector<Parameter> found;
+  for (; list != nullptr && list->next != nullptr; list = list->next->next)
+    found.push_back({list->value, list->next->value});
+  if (!found.empty() || type == nullptr) return found;
+  if (!type->is_tuple) return {{0, type->name}};
+  for (const IntList* member = type->members; member != nullptr; member = member->next)
+    found.push_back({0, member->value});
+  return found;
+}
+
+std::vector<Parameter> parameters_of(const FuncInfo* function) {
+  return listed(function->params, function->param_type);
+}
+
+std::vector<Parameter> results_of(const FuncInfo* function) {
+  return listed(function->results, function->result_type);
+}
+
+int Description::index() const {
+  if (ident != nullptr && kind != NameKind::constant) return ident->order;
+  return function != nullptr && !function->tuple_result ? function->index : -1;
+}
+
+bool Description::has_equation() const { return right_side(ident) != nullptr; }
+
+std::vector<int> Description::defined_with() const {
+  if (!has_equation()) return {};
+  return Equation{ident, nullptr}.names();
+}
+
+int Description::line() const {
+  if (ident != nullptr) return ident->line;
+  return function != nullptr ? function->line : type->line;
+}
+
+int Description::equation_line() const { return has_equation() ? ident->equation_line : 0; }
+
+int Description::rank() const {
+  return ident != nullptr && ident->mode == ENUM_CONST_mode ? ident->order : -1;
+}
+
+Description describe_as(EcPrg* prg, int symbol, NameKind kind) {
+  Description description;
+  description.symbol = symbol;
+  description.kind = kind;
+  if (kind == NameKind::type)
+    description.type = prg->named_type(symbol);
+  else if (kind == NameKind::function)
+    description.function = prg->function(symbol);
+  else
+    description.ident = prg->ident(symbol);
+  return description;
+}
+
+// False for a record of something that is not declared: a literal, an assertion.
+static bool kind_of(const IdentInfo* ident, NameKind* kind) {
+  switch (ident->mode) {
+    case INPUT_mode:
+      *kind = NameKind::input;
+      return true;
+    case OUTPUT_mode:
+      *kind = NameKind::output;
+      return true;
+    case LOCAL_mode:
+      *kind = NameKind::local;
+      return true;
+    case USR_CONST_mode:
+    case ENUM_CONST_mode:
+      *kind = NameKind::constant;
+      return true;
+    case ASSERT_mode:
+    case BOOL_CONST_mode:
+    case INT_CONST_mode:
+    case REAL_CONST_mode:
+      break;
+  }
+  return false;
+}
+
+bool describe(EcPrg* prg, int symbol, Description* description) {
+  const IdentInfo* ident = prg->ident(symbol);
+  NameKind kind = NameKind::function;
+  if (ident == nullptr || !kind_of(ident, &kind)) {
+    if (prg->function(symbol) == nullptr) {
+      const EcType* type = prg->named_type(symbol);
+      if (type == nullptr || type->number == 0) return false;
+      kind = NameKind::type;
+    }
+  }
+  *description = describe_as(prg, symbol, kind);
+  return true;
+}
+
+std::vector<int> constants_of(const EcType* type) {
+  std::vector<int> names;
+  for (int rank = 0; rank < type->nb_enum; ++rank)
+    if (type->enum_consts[rank] != nullptr) names.push_back(type->enum_consts[rank]->name);
+  for (const IntList* cell = type->constants; cell != nullptr; cell = cell->next)
+    names.push_back(cell->value);
+  return names;
+}
+
+namespace {
+
+class TreeVisitor : public ExpVisitor {
+ public:
+  TreeVisitor(EcPrg* prg, std::vector<TreeNode>* nodes) : prg_(prg), nodes_(nodes) {}
+
+  bool enter(Exp* exp, Exp* parent, int) {
+    // A call takes the members of its tuple as arguments.
+    if (exp->nature == TUPLE_n && parent != nullptr && parent->nature == CALL_n) return true;
+    nodes_->push_back(node_of(exp));
+    return true;
+  }
+
+ private:
+  const char* name(int symbol) const { return prg_->symbols->name(symbol); }
+
+  TreeNode node_of(const Exp* exp) const {
+    if (exp->nature == CALL_n) {
+      const Exp* argument = exp->nb_args == 1 ? exp->args[0] : nullptr;
+      const bool has_tuple = argument != nullptr && argument->nature == TUPLE_n;
+      return {"call", has_tuple ? argument->nb_args : exp->nb_args, name(exp->order)};
+    }
+    if (exp->nb_args == 0 && exp->ident != 0)
+      return {is_literal(prg_, exp) ? "constant" : "name", 0, name(exp->ident)};
+    const ExpKind* kind = exp_kind(exp->nature);
+    const char* op = kind != nullptr && kind->keyword[0] != '\0' ? kind->keyword
+                     : exp->nature == IF_n                       ? "if"
+                     : exp->nature == TUPLE_n                    ? "tuple"
+                                                                 : nodekey(exp->nature);
+    return {op, exp->nb_args, ""};
+  }
+
+  EcPrg* prg_;
+  std::vector<TreeNode>* nodes_;
+};
+
+}  // namespace
+
+std::vector<TreeNode> tree_of(EcPrg* prg, Exp* e) {
+  std::vector<TreeNode> nodes;
+  TreeVisitor visitor(prg, &nodes);
+  walk(e, visitor);
+  return nodes;
+}
+
+}  // namespace tamsel

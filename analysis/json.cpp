@@ -1,0 +1,204 @@
+#include "analysis/json.h"
+
+#include <cstdio>
+#include <string_view>
+
+#include "analysis/clocks.h"
+#include "analysis/describe.h"
+#include "analysis/equations.h"
+#include "analysis/expression_text.h"
+
+namespace tamsel {
+
+namespace {
+
+// How many bytes the character of UTF-8 has that `text` begins with; 0 where it begins with none.
+size_t character_length(std::string_view text) {
+  const auto byte = [text](size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned first = byte(0);
+  const size_t length = first < 0x80                    ? 1
+                        : first >= 0xC2 && first < 0xE0 ? 2
+                        : first >= 0xE0 && first < 0xF0 ? 3
+                        : first >= 0xF0 && first < 0xF5 ? 4
+                                                        : 0;
+  if (length > text.size()) return 0;
+  for (size_t i = 1; i < length; ++i)
+    if ((byte(i) & 0xC0) != 0x80) return 0;
+  // Longer forms of shorter characters, and what lies behind the last.
+  if (first == 0xE0 && byte(1) < 0xA0) return 0;
+  if (first == 0xF0 && byte(1) < 0x90) return 0;
+  return first == 0xF4 && byte(1) > 0x8F ? 0 : length;
+}
+
+class JsonWriter {
+ public:
+  JsonWriter(EcPrg* prg, std::string* out) : prg_(prg), out_(*out) {}
+
+  void write() {
+    put("{\n");
+    put_member("node", prg_->symbols->name(prg_->name));
+    put(",\n");
+    put_list("names", [this] {
+      for (const NameKind kind : name_kinds)
+        for (const int symbol : prg_->declared_names(kind)) put_name(symbol, kind);
+    });
+    put(",\n");
+    put_list("assertions", [this] {
+      for (const IntList* cell = prg_->assertions; cell != nullptr; cell = cell->next)
+        put_assertion(prg_->ident(cell->value));
+    });
+    put(",\n");
+    put_list("messages", [this] {
+      for (const EcPrg::Message& message : prg_->messages) put_message(message);
+    });
+    put("\n}\n");
+  }
+
+ private:
+  void put(std::string_view text) { out_ += text; }
+  void put_string(std::string_view text);
+  void put_key(const char* key) {
+    if (out_.back() != '{') put(out_.back() == '\n' ? "" : ", ");
+    put("\"");
+    put(key);
+    put("\": ");
+  }
+  void put_member(const char* key, const char* value) {
+    put_key(key);
+    put_string(value);
+  }
+  void put_member(const char* key, int value) {
+    put_key(key);
+    put(std::to_string(value));
+  }
+  // An array of what `put_items` opens by begin_object.
+  template <class PutItems>
+  void put_list(const char* key, PutItems put_items) {
+    put_key(key);
+    put("[\n");
+    is_first_ = true;
+    put_items();
+    put(is_first_ ? "]" : "\n]");
+  }
+  void begin_object() {
+    put(is_first_ ? "{" : ",\n{");
+    is_first_ = false;
+  }
+  void put_names(const char* key, const std::vector<int>& names) {
+    put_key(key);
+    put("[");
+    for (const int& name : names) {
+      if (&name != names.data()) put(", ");
+      put_string(prg_->symbols->name(name));
+    }
+    put("]");
+  }
+  void put_expression(const char* key, Exp* e) {
+    put_key(key);
+    put_string(text_.brief(prg_, e));
+  }
+  void put_parameters(const char* key, const std::vector<Parameter>& parameters);
+  void put_name(int symbol, NameKind kind);
+  void put_equation(const Description& described);
+  void put_assertion(const IdentInfo* assertion);
+  void put_message(const EcPrg::Message& message);
+
+  EcPrg* prg_;
+  std::string& out_;
+  ExpressionText text_;
+  bool is_first_ = true;  // of the items of a list
+};
+
+// A byte that is part of no character is taken for the character of that number.
+void JsonWriter::put_string(std::string_view text) {
+  put("\"");
+  while (!text.empty()) {
+    const size_t length = character_length(text);
+    const unsigned first = static_cast<unsigned char>(text[0]);
+    if (length == 0 || first < ' ') {
+      // Tcl writes the character 0 as these two bytes.
+      const bool is_nul = text.substr(0, 2) == "\xC0\x80";
+      char escape[8];
+      std::snprintf(escape, sizeof escape, "\\u%04x", is_nul ? 0 : first);
+      put(escape);
+      text.remove_prefix(is_nul ? 2 : 1);
+      continue;
+    }
+    if (first == '"' || first == '\\') put("\\");
+    put(text.substr(0, length));
+    text.remove_prefix(length);
+  }
+  put("\"");
+}
+
+void JsonWriter::put_parameters(const char* key, const std::vector<Parameter>& parameters) {
+  put_key(key);
+  put("[");
+  for (const Parameter& parameter : parameters) {
+    put(&parameter != parameters.data() ? ", {" : "{");
+    put_member("name", parameter.name != 0 ? prg_->symbols->name(parameter.name) : "");
+    put_member("type", prg_->symbols->name(parameter.type));
+    put("}");
+  }
+  put("]");
+}
+
+void JsonWriter::put_equation(const Description& described) {
+  const IdentInfo* ident = described.ident;
+  const bool is_defined = described.has_equation();
+  put_key("equation");
+  put(is_defined ? "true" : "false");
+  if (is_defined && ident->tuple_names != nullptr && ident->tuple_names->value != ident->name)
+    return put_member("equation-of", prg_->symbols->name(ident->tuple_names->value));
+  put_names("with", described.defined_with());
+  if (is_defined) return put_expression("definition", right_side(ident));
+  put_key("definition");
+  put("null");
+}
+
+void JsonWriter::put_name(int symbol, NameKind kind) {
+  const Description described = describe_as(prg_, symbol, kind);
+  begin_object();
+  put_member("name", prg_->symbols->name(symbol));
+  put_member("kind", kind_word(kind));
+  if (const IdentInfo* ident = described.ident) {
+    put_member("type", prg_->type_name(ident->type, ""));
+    put_member("clock", prg_->symbols->name(ident->clock));
+  }
+  put_member("index", described.index());
+  put_equation(described);
+  put_member("line", described.line());
+  put_member("equation-line", described.equation_line());
+  if (described.rank() >= 0) put_member("rank", described.rank());
+  if (described.type != nullptr) put_names("constants", constants_of(described.type));
+  if (described.function != nullptr) {
+    put_parameters("params", parameters_of(described.function));
+    put_parameters("results", results_of(described.function));
+  }
+  put("}");
+}
+
+void JsonWriter::put_assertion(const IdentInfo* assertion) {
+  if (assertion == nullptr || assertion->definition == nullptr) return;
+  begin_object();
+  put_expression("text", assertion->definition);
+  put_member("clock", clock_name_of(prg_, assertion->definition));
+  put_member("line", assertion->line);
+  put_names("needs", needs_of(prg_, assertion->definition, false));
+  put("}");
+}
+
+void JsonWriter::put_message(const EcPrg::Message& message) {
+  begin_object();
+  put_member("severity", "error");
+  put_member("line", message.line);
+  put_member("name", message.name != 0 ? prg_->symbols->name(message.name) : "");
+  put_member("message", message.text.c_str());
+  put("}");
+}
+
+}  // namespace
+
+void write_json(EcPrg* prg, std::string* out) { JsonWriter(prg, out).write(); }
+
+}  // namespace tamsel
