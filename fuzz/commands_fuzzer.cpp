@@ -1,7 +1,8 @@
 // Commands of Tcl, driven through a real interpreter. Each line of the input is a list of words;
 // the word $N stands for the result of the Nth command, $c for a channel.
 //
-// The interpreter knows nothing but this library's commands, `rename`, `trace` and `catch`, and
+// The interpreter knows nothing but this library's commands, `rename`, `trace` and `catch`, of
+// `interp` what hides commands and shows them again, and
 //   run N     runs line N again: what timers, traces and Ctrl-C can do besides the free text
 //   wait      lets timers fire
 //   ctrl-c    raises SIGINT
@@ -36,13 +37,13 @@ const char sample[] =
 
 // Leaves no command but those that cannot loop or reach out.
 void strip(Tcl_Interp* interp) {
-  Tcl_Eval(interp, "rename trace {tcl trace}; info commands");
+  Tcl_Eval(interp, "rename trace {tcl trace}; rename interp {tcl interp}; info commands");
   int count;
   const char** names;
   require(Tcl_SplitList(nullptr, Tcl_GetStringResult(interp), &count, &names) == TCL_OK, "a list");
   for (int i = 0; i < count; ++i) {
     const std::string name = names[i];
-    if (name != "rename" && name != "catch" && name != "tcl trace")
+    if (name != "rename" && name != "catch" && name != "tcl trace" && name != "tcl interp")
       Tcl_DeleteCommand(interp, names[i]);
   }
   Tcl_Free(reinterpret_cast<char*>(names));
@@ -64,9 +65,13 @@ class Session {
     Tcl_RegisterChannel(interp_, channel_);
     channel_name_ = Tcl_GetChannelName(channel_);
     strip(interp_);
-    const char* const own[] = {"run", "wait", "ctrl-c", "gone", "trace", "traced"};
-    Tcl_ObjCmdProc* const procedures[] = {run, wait, ctrl_c, gone, trace, traced};
-    for (int i = 0; i < 6; ++i) Tcl_CreateObjCommand(interp_, own[i], procedures[i], this, nullptr);
+    const struct {
+      const char* name;
+      Tcl_ObjCmdProc* procedure;
+    } own[] = {{"run", run},     {"wait", wait},     {"ctrl-c", ctrl_c}, {"gone", gone},
+               {"trace", trace}, {"traced", traced}, {"interp", hiding}};
+    for (const auto& command : own)
+      Tcl_CreateObjCommand(interp_, command.name, command.procedure, this, nullptr);
     TimeHandler_Init(interp_);
     run_dorvik_Init(interp_);
   }
@@ -162,6 +167,20 @@ class Session {
     const int code = Tcl_EvalObjEx(interp, Tcl_ConcatObj(count - 1, words + 1), 0);
     --session->open_traces_;
     return code;
+  }
+  // What `interp` does to this interpreter itself.
+  static int hiding(ClientData, Tcl_Interp* interp, int count, Tcl_Obj* const words[]) {
+    if (count < 3 || Tcl_GetString(words[2])[0] != '\0') return TCL_ERROR;
+    for (const std::string word : {"hide", "expose", "hidden", "invokehidden"}) {
+      if (word != Tcl_GetString(words[1])) continue;
+      std::vector<Tcl_Obj*> command(words, words + count);
+      command[0] = Tcl_NewStringObj("tcl interp", -1);
+      Tcl_IncrRefCount(command[0]);
+      const int code = Tcl_EvalObjv(interp, count, command.data(), 0);
+      Tcl_DecrRefCount(command[0]);
+      return code;
+    }
+    return TCL_ERROR;
   }
   void delete_interp() {
     if (!gone_) Tcl_DeleteInterp(interp_);

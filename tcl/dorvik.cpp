@@ -210,9 +210,10 @@ EcPrgVar* Dorvik::remove_ecprg(EcPrgVar* p) { return programs = EcPrgVar::remove
 
 void Dorvik::print_ecprgs() {
   if (Verbose() <= 1) return;
+  const std::vector<void*> hidden = hidden_commands(interp);
   Verbose(2, "current ecprg list :");
   for (const EcPrgVar* object = programs; object != nullptr; object = object->next)
-    if (object->has_command()) Verbose(2, " %s", object->command_name());
+    if (object->has_command(hidden)) Verbose(2, " %s", object->command_name());
   Verbose(2, "\n");
 }
 

@@ -106,10 +106,11 @@ class EcPrgVar {
 
   // Takes the command that was made for this object, and notes from now on how it is called.
   void set_command(Tcl_Command token);
-  void note_name(const char* name);
-  // Whether the command is there. Tcl may throw away a command that a trace has made, without
-  // telling its object, and `command` then leads nowhere.
-  bool has_command() const;
+  void note_name();
+  // Whether the command is there, under its name or among the `hidden` ones (see hidden_commands).
+  // Tcl may throw away a command that a trace has made, without telling its object, and `command`
+  // then leads nowhere.
+  bool has_command(const std::vector<void*>& hidden) const;
   // The object's current command name; empty where it has none (yet, or any more).
   const char* command_name() const;
 

@@ -1,5 +1,6 @@
 // Program objects: the table of operations, their dispatch, and the life of an object.
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -73,8 +74,16 @@ constexpr int operation_count = sizeof operations / sizeof operations[0];
 
 constexpr WordIndex operation_index(operations, &Operation::word);
 
-static void note_rename(void* data, Tcl_Interp*, const char*, const char* new_name, int) {
-  static_cast<EcPrgVar*>(data)->note_name(new_name);
+static const int followed = TCL_TRACE_RENAME | TCL_TRACE_DELETE;
+
+// Follows the command's name. Tcl forgets the traces of a command that goes, also in the middle of
+// a rename, when a trace of somebody else has deleted it: what is taken back here is what that
+// rename does not come to.
+static void follow_command(void* data, Tcl_Interp* interp, const char*, const char*, int flags) {
+  EcPrgVar* object = static_cast<EcPrgVar*>(data);
+  object->note_name();
+  if ((flags & TCL_TRACE_DELETE) != 0)
+    Tcl_UntraceCommand(interp, Tcl_GetString(object->full_name), followed, follow_command, data);
 }
 
 EcPrgVar::~EcPrgVar() {
@@ -85,17 +94,23 @@ void EcPrgVar::set_command(Tcl_Command token) {
   command = token;
   full_name = Tcl_NewObj();
   Tcl_IncrRefCount(full_name);
-  Tcl_GetCommandFullName(owner->interp, token, full_name);
-  Tcl_TraceCommand(owner->interp, Tcl_GetString(full_name), TCL_TRACE_RENAME, note_rename, this);
+  note_name();
+  Tcl_TraceCommand(owner->interp, Tcl_GetString(full_name), followed, follow_command, this);
 }
 
-void EcPrgVar::note_name(const char* name) { Tcl_SetStringObj(full_name, name, -1); }
+// Asks Tcl, since what a trace is told is old where an earlier one has renamed the command again.
+void EcPrgVar::note_name() {
+  Tcl_SetStringObj(full_name, "", 0);
+  Tcl_GetCommandFullName(owner->interp, command, full_name);
+}
 
-bool EcPrgVar::has_command() const {
+bool EcPrgVar::has_command(const std::vector<void*>& hidden) const {
+  if (command == nullptr) return false;
   Tcl_CmdInfo found;
-  return command != nullptr &&
-         Tcl_GetCommandInfo(owner->interp, Tcl_GetString(full_name), &found) != 0 &&
-         found.clientData == this;
+  if (Tcl_GetCommandInfo(owner->interp, Tcl_GetString(full_name), &found) != 0 &&
+      found.clientData == this)
+    return true;
+  return std::find(hidden.begin(), hidden.end(), this) != hidden.end();
 }
 
 int ECPRG_call(void* data, Tcl_Interp* interp, int argc, const char* argv[]) {

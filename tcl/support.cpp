@@ -49,20 +49,43 @@ class SavedVariable {
 
 }  // namespace
 
-void evaluate_aside(Tcl_Interp* interp, Tcl_Obj* script) {
-  if (Tcl_InterpDeleted(interp)) return;
+std::string evaluate_aside(Tcl_Interp* interp, Tcl_Obj* script) {
+  if (Tcl_InterpDeleted(interp)) return "";
   Tcl_Preserve(interp);
   Tcl_IncrRefCount(script);
   const Tcl_InterpState before = Tcl_SaveInterpState(interp, TCL_OK);
   // No part of that state, once a script has caught an error of its own.
   SavedVariable info(interp, "errorInfo");
   SavedVariable code(interp, "errorCode");
-  Tcl_EvalObjEx(interp, script, 0);
+  const bool good = Tcl_EvalObjEx(interp, script, 0) == TCL_OK;
+  const std::string result = good ? Tcl_GetStringResult(interp) : "";
   info.restore();
   code.restore();
   Tcl_RestoreInterpState(interp, before);
   Tcl_DecrRefCount(script);
   Tcl_Release(interp);
+  return result;
+}
+
+// Tcl does not say what is behind a hidden name. So each is shown under another one while it is
+// asked for, in which no script runs.
+std::vector<void*> hidden_commands(Tcl_Interp* interp) {
+  static const char shown_name[] = " hidden command";
+  const std::string list = evaluate_aside(interp, Tcl_NewStringObj("interp hidden {}", -1));
+  std::vector<void*> found;
+  Tcl_Obj* names = Tcl_NewStringObj(list.c_str(), -1);
+  Tcl_IncrRefCount(names);
+  const Tcl_InterpState before = Tcl_SaveInterpState(interp, TCL_OK);
+  Tcl_Obj* name;
+  for (int i = 0; Tcl_ListObjIndex(nullptr, names, i, &name) == TCL_OK && name != nullptr; ++i) {
+    if (Tcl_ExposeCommand(interp, Tcl_GetString(name), shown_name) != TCL_OK) continue;
+    Tcl_CmdInfo info;
+    if (Tcl_GetCommandInfo(interp, shown_name, &info) != 0) found.push_back(info.clientData);
+    Tcl_HideCommand(interp, shown_name, Tcl_GetString(name));
+  }
+  Tcl_RestoreInterpState(interp, before);
+  Tcl_DecrRefCount(names);
+  return found;
 }
 
 int report_out_of_memory(Tcl_Interp* interp) {

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <new>
 #include <string>
+#include <vector>
 
 // The version to ask of the stubs. From Tcl 9 on, "8.5" alone would refuse every 9.
 #if TCL_MAJOR_VERSION >= 9
@@ -39,9 +40,12 @@ ErrorCode io_error(const char* name);
 int deliver_error(Tcl_Interp* interp, const ErrorCode& code, const std::string& text);
 
 // Evaluates `script` beside whatever the interpreter is doing: its result and error state are
-// afterwards as before, and those of the script are dropped. Does nothing in an interpreter that is
-// being deleted.
-void evaluate_aside(Tcl_Interp* interp, Tcl_Obj* script);
+// afterwards as before. Returns the result of the script; empty where it failed, or where the
+// interpreter is being deleted and nothing was done.
+std::string evaluate_aside(Tcl_Interp* interp, Tcl_Obj* script);
+
+// The client data of the hidden commands. Scripts may run in it.
+std::vector<void*> hidden_commands(Tcl_Interp* interp);
 
 int report_out_of_memory(Tcl_Interp* interp);
 
