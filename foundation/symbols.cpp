@@ -91,7 +91,7 @@ char* StringTape::store(const char* s, size_t size) {
 
 STapeHashItem* StringTape::internal_add(const char* s) {
   const size_t length = strlen(s);
-  const TextKey key(s, length);
+  const TextKey key = index_.key(s, length);
   if (const int number = find(s, key)) return &item(number);
   // What can fail stands first, so that a failure leaves the tape as it was.
   index_.make_room();
@@ -118,7 +118,7 @@ STapeHashItem* StringTape::internal_find(const char* s) {
 // Its characters stay where they are, and the statistic as it is.
 void StringTape::forget_last(const char* s) {
   STapeHashItem*& head = hash_table[hash_code(s)];
-  index_.remove(head->number, TextKey(s, strlen(s)));
+  index_.remove(head->number, index_.key(s, strlen(s)));
   head = head->next;
   if (head == nullptr) --occupied;
   --nb_strings;

@@ -49,7 +49,7 @@ class StringTape {
   // The item of `s`, or null. A search in vain counts in the statistic.
   STapeHashItem* internal_find(const char* s);
   // The number of `s`, or 0. Counts nothing.
-  int known(const char* s) { return find(s, TextKey(s, std::strlen(s))); }
+  int known(const char* s) { return find(s, index_.key(s, std::strlen(s))); }
   // Forgets the last string, `s`.
   void forget_last(const char* s);
 

@@ -1,5 +1,11 @@
 #include "foundation/textindex.h"
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <ctime>
+
 static uint64_t four_characters(const char* text) {
   uint32_t word;
   std::memcpy(&word, text, sizeof word);
@@ -15,22 +21,29 @@ static uint64_t short_word(const char* text, size_t length) {
   return character(0) | character(length / 2) << 8 | character(length - 1) << 16;
 }
 
-static uint64_t hash(const char* text, size_t length) {
-  constexpr uint64_t odd = 0x9E3779B97F4A7C15u;
-  uint64_t mixed = length * odd;
-  const auto mix_in = [&mixed](uint64_t word) {
-    mixed = (mixed ^ word) * odd;
-    mixed ^= mixed >> 29;
-  };
-  for (; length > 8; text += 8, length -= 8) mix_in(short_word(text, 8));
-  mix_in(short_word(text, length));
-  mixed *= odd;
-  return mixed ^ (mixed >> 32);
+// From the system, or else from what differs from process to process by itself. Odd, as a product
+// with an even number loses bits.
+static uint64_t new_secret() {
+  uint64_t bits;
+  if (getentropy(&bits, sizeof bits) != 0) {
+    const auto place = reinterpret_cast<uintptr_t>(&bits);
+    bits = (place ^ static_cast<uint64_t>(std::clock())) * 0x9E3779B97F4A7C15u;
+  }
+  return bits | 1;
 }
 
-TextKey::TextKey(const char* text, size_t text_length)
-    : word(text_length <= short_length ? short_word(text, text_length) : hash(text, text_length)),
-      length(static_cast<uint32_t>(text_length)) {}
+TextIndex::TextIndex() {
+  static const std::array<uint64_t, 3> secrets = {new_secret(), new_secret(), new_secret()};
+  std::copy(secrets.begin(), secrets.end(), secrets_);
+}
+
+TextKey TextIndex::key(const char* text, size_t length) const {
+  const auto kept_length = static_cast<uint32_t>(length);
+  if (length <= TextKey::short_length) return {short_word(text, length), kept_length};
+  uint64_t hash = length;
+  for (; length > 8; text += 8, length -= 8) hash = mixed(hash, short_word(text, 8));
+  return {mixed(hash, short_word(text, length)), kept_length};
+}
 
 void TextIndex::make_room() {
   if (3 * (taken_ + 1) <= 2 * slots_.size()) return;

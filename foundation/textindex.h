@@ -1,5 +1,6 @@
 // foundation/textindex.h: finds the numbers of texts by their characters in constant time, however
-// many there are and whatever they look like.
+// many there are and whatever they look like: also where somebody has chosen them against it, since
+// each process mixes them in a way of its own.
 #ifndef FOUNDATION_TEXTINDEX_H
 #define FOUNDATION_TEXTINDEX_H
 
@@ -12,8 +13,6 @@
 struct TextKey {
   static constexpr size_t short_length = 8;
 
-  TextKey(const char* text, size_t text_length);
-
   uint64_t word;    // the characters; of a longer text their hash
   uint32_t length;  // its low bits
 };
@@ -22,6 +21,10 @@ struct TextKey {
 // where an operation wants `text_of`, that is a function from a number to its text.
 class TextIndex {
  public:
+  TextIndex();
+
+  // The key of a text, the same in all indexes of the process.
+  TextKey key(const char* text, size_t length) const;
   // The number of `text`, which has that key, or 0.
   template <class TextOf>
   int find(const char* text, const TextKey& key, TextOf text_of) const {
@@ -53,12 +56,20 @@ class TextIndex {
   // Where the search for a key begins.
   template <class Key>
   size_t place(const Key& key) const {
-    constexpr uint64_t odd = 0x9E3779B97F4A7C15u;
-    uint64_t mixed = (key.word ^ key.length) * odd;
-    mixed = (mixed ^ (mixed >> 32)) * odd;
-    return (mixed ^ (mixed >> 29)) & mask();
+    return mixed(key.word, key.length) & mask();
+  }
+  // A word in which all bits of both take part. Without the secrets nobody can choose pairs that
+  // give words with the same low bits more often than chance does.
+  uint64_t mixed(uint64_t a, uint64_t b) const {
+    return folded(folded(a ^ secrets_[0], b ^ secrets_[1]), secrets_[2]);
+  }
+  static uint64_t folded(uint64_t a, uint64_t b) {
+    __extension__ typedef unsigned __int128 Wide;
+    const Wide product = static_cast<Wide>(a) * b;
+    return static_cast<uint64_t>(product) ^ static_cast<uint64_t>(product >> 64);
   }
 
+  uint64_t secrets_[3];
   std::vector<Slot> slots_;  // a power of two of them, at most two thirds taken
   size_t taken_ = 0;
 };

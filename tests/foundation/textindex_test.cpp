@@ -28,7 +28,8 @@ TEST(TextIndex, FindsTheOthersWhenOneIsTakenOut) {
   all.texts.erase(all.texts.begin());  // the second empty one
   std::vector<TextKey> keys;
   for (const std::string& text : all.texts)
-    keys.push_back(text.size() < 15 ? TextKey(text.c_str(), text.size()) : TextKey("xxxxxxxxx", 9));
+    keys.push_back(text.size() < 15 ? all.index.key(text.c_str(), text.size())
+                                    : all.index.key("xxxxxxxxx", 9));
   const int count = static_cast<int>(all.texts.size());
   EXPECT_EQ(0, all.find("a", keys[1]));
   for (int taken_out = 1; taken_out <= count; ++taken_out) {
@@ -51,9 +52,10 @@ TEST(TextIndex, KeepsAShortTextInItsKey) {
   const std::vector<std::string> texts = {"",        "a",        "aa",      "ab",     "aba",
                                           "aab",     "abab",     "ababa",   "abcbab", "abccbab",
                                           "aaaaaaa", "aaaaaaaa", "aaabaaaa"};
+  const TextIndex index;
   for (const std::string& a : texts)
     for (const std::string& b : texts) {
-      const TextKey x(a.c_str(), a.size()), y(b.c_str(), b.size());
+      const TextKey x = index.key(a.c_str(), a.size()), y = index.key(b.c_str(), b.size());
       EXPECT_EQ(a == b, x.word == y.word && x.length == y.length) << a << " " << b;
     }
 }
