@@ -13,6 +13,10 @@ class TypeChecker : public ExpVisitor {
   explicit TypeChecker(EcPrg* prg) : prg_(prg) {}
 
   bool enter(Exp* exp, Exp*, int) { return !failed_ && exp->type == nullptr; }
+  // A tuple's members are looked at one after another: the first that is none ends the typing.
+  void between(Exp* exp, int place) {
+    if (exp->nature == TUPLE_n && !failed_) failed_ = !is_member(exp, place - 1);
+  }
   void leave(Exp* exp, Exp*) {
     if (failed_) return;
     exp->type = typed(exp);
@@ -22,6 +26,7 @@ class TypeChecker : public ExpVisitor {
  private:
   // The type of a node whose operands are typed, or null with a message.
   EcType* typed(Exp* exp);
+  bool is_member(Exp* tuple, int place);
   EcType* tuple(Exp* exp);
   EcType* call(Exp* exp);
 
@@ -97,20 +102,23 @@ EcType* TypeChecker::typed(Exp* exp) {
   return nullptr;
 }
 
+// Tuples do not nest; asking for the name of a nested one is an internal misuse, and reported as
+// such.
+bool TypeChecker::is_member(Exp* tuple, int place) {
+  const EcType* type = type_of(tuple, place);
+  if (type == nullptr) return false;
+  if (!type->is_tuple) return true;
+  if (!prg_->silent) tuple->function_ident();
+  if_all_good(false, nullptr, nodekey(tuple->nature));
+  return false;
+}
+
+// `between` has looked at the members but the last.
 EcType* TypeChecker::tuple(Exp* exp) {
+  if (exp->nb_args == 0) return if_all_good(false, nullptr, nodekey(exp->nature));
+  if (!is_member(exp, exp->nb_args - 1)) return nullptr;
   std::vector<int> names;
-  for (int i = 0; i < exp->nb_args; ++i) {
-    const EcType* type = type_of(exp, i);
-    if (type == nullptr) return nullptr;
-    if (type->is_tuple) {
-      // Tuples do not nest; asking for the name of a nested one is an internal misuse, and reported
-      // as such.
-      if (!prg_->silent) exp->function_ident();
-      return if_all_good(false, nullptr, nodekey(exp->nature));
-    }
-    names.push_back(type->name);
-  }
-  if (names.empty()) return if_all_good(false, nullptr, nodekey(exp->nature));
+  for (int i = 0; i < exp->nb_args; ++i) names.push_back(type_of(exp, i)->name);
   return prg_->define_type(names.data(), static_cast<int>(names.size()));
 }
 

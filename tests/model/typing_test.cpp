@@ -70,7 +70,7 @@ static const Rule rules[] = {
      bad("IF_n")},
     {"(?, ?)", "bb:bool*bool bi:bool*int ib:int*bool ii:int*int", "", "bi"},
     {"(?, x)", "", bad("TUPLE_n"), "p"}, {"(x, ?)", "", bad("TUPLE_n"), "p"},
-    {"(i, two(i))", "", bad("TUPLE_n")}, {"", "", bad("TUPLE_n"), "", TUPLE_n},
+    {"(i, two(i))", "", bad("TUPLE_n")}, {"((i, b), not i)", "", bad("TUPLE_n")}, {"", "", bad("TUPLE_n"), "", TUPLE_n},
     {"?", "b:bool i:int x:real t:token c:color", bad("TUPLE_n"), "bixtcp", TUPLE_n},
     {"nor(?)", "b:bool", bad("NOR_n")}, {"nor(?, ?, ?)", "bbb:bool", bad("NOR_n")},
     {"", ":bool", "", "", NOR_n}, {"#(?, ?, ?)", "bbb:bool", bad("DIESE_n")},
