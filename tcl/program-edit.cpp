@@ -141,11 +141,14 @@ int EcPrgVar::equation(const Operation& operation, int, const char* params[]) {
   return text_result(handle);
 }
 
+// What was built of a text is needed no more: nothing leads to it.
 int EcPrgVar::exp_type(const Operation& operation, int, const char* params[]) {
+  const EcPrg::Mark before = prg->mark();
   Exp* e;
   if (find_exp(operation, params[0], &e) != TCL_OK) return TCL_ERROR;
   const char* name = type_name(prg->type(e));
   if (Verbose() > 1) Verbose(2, "=> %s %s : %s = (", operation.word, params[0], name);
   show_exp(e);
+  prg->roll_back(before);
   return text_result(name);
 }

@@ -41,6 +41,7 @@ proc cycle {i} {
     set timer [add_timer 60000 {}]
     abort_timer $timer
     kept exp-type $::handle
+    kept exp-type "[string repeat {pre } 100]a"
 }
 
 set grown 0
