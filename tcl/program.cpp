@@ -117,7 +117,7 @@ int ECPRG_call(void* data, Tcl_Interp* interp, int argc, const char* argv[]) {
   EcPrgVar* object = static_cast<EcPrgVar*>(data);
   object->hold();  // a trace may delete the command meanwhile
   const int result = run_command(interp, [=] {
-    if (Verbose() > 0) Verbose("call of : %s\n", object->command_name());
+    if (Verbose() != 0) Verbose("call of : %s\n", object->command_name());
     if (argc < 2) return object->owner->cmd_error(argv[0], "<operation> [<param>*]");
     return object->call(argv[1], argc - 2, argv + 2);
   });
