@@ -13,6 +13,7 @@
 #include "analysis/users.h"
 #include "foundation/text.h"
 #include "model/ecprg.h"
+#include "tcl/interned_text.h"
 #include "tcl/support.h"
 
 class EcPrgVar;
@@ -142,6 +143,7 @@ class EcPrgVar {
   std::unique_ptr<SymbolTable> symbols;    // null where there is no program
   std::unique_ptr<EcPrg> prg;              // null only after an ecprg with too many words
   std::vector<Exp*> handled;               // by the number of the handle in exp_names, from 1
+  GrownTexts grown_texts;                  // interned in `symbols` by summing up
   EcPrgVar* next = nullptr;                // of the owner's list
   EcPrgVar* previous = nullptr;            // of the same
   Tcl_Command command = nullptr;           // null before it is created and when it is gone

@@ -10,7 +10,6 @@
 #include "foundation/errors.h"
 #include "reader/reader.h"
 #include "tcl/dorvik.h"
-#include "tcl/interned_text.h"
 #include "tcl/syntax_error.h"
 
 void EcPrgVar::install(Program program) {
@@ -19,6 +18,7 @@ void EcPrgVar::install(Program program) {
   symbols = std::move(program.symbols);
   exp_names.reset();
   handled.clear();
+  grown_texts.clear();
   new_ident_count = 0;
   input_index = output_index = local_index = function_index = IntListIndex();
 }
@@ -122,7 +122,7 @@ int EcPrgVar::dump(const Operation& operation, int nparams, const char* params[]
 }
 
 int EcPrgVar::profile(const Operation& operation, int, const char*[]) {
-  InternedText text(symbols.get(), symbols->name(prg->name));
+  InternedText text(symbols.get(), &grown_texts, symbols->name(prg->name));
   const auto append_types = [&](const IntList* names) {
     for (; names != nullptr; names = names->next) {
       const IdentInfo* ident = prg->ident(names->value);

@@ -5,7 +5,6 @@
 
 #include "foundation/errors.h"
 #include "tcl/dorvik.h"
-#include "tcl/interned_text.h"
 
 const char* EcPrgVar::type_name(const EcType* type) const {
   return prg->type_name(type, "<unamed-type>");
@@ -68,7 +67,7 @@ int EcPrgVar::funcdecl(const Operation& operation, int, const char* params[]) {
   if (function == nullptr)
     return call_error({{"LOOKUP", "FUNCTION", name}}, "%s %s : unknown function '%s'",
                       command_name(), operation.word, name);
-  InternedText text(symbols.get(), name);
+  InternedText text(symbols.get(), &grown_texts, name);
   const auto append_type = [&](const EcType* type) {
     if (type == nullptr || !type->is_tuple) return text.append(" ", prg->type_name(type, "?"));
     for (const IntList* member = type->members; member != nullptr; member = member->next)
