@@ -20,6 +20,8 @@
 
 #include "reader/reader.h"
 
+using namespace tamsel;
+
 namespace {
 
 std::string path;      // of the program

@@ -7,6 +7,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+namespace tamsel {
+
 // Blocks double, so that a small program takes little, and a large one few blocks.
 static const size_t SmallestBlock = 2000;
 static const size_t LargestBlock = 256 * 1024;
@@ -43,3 +45,5 @@ void Arena::cut_back(const Mark& mark) {
   }
   used_ = mark.used;
 }
+
+}  // namespace tamsel

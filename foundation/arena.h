@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+namespace tamsel {
+
 // Hands out memory from blocks and takes it back as a whole, or down to a mark. It runs no
 // destructors.
 class Arena {
@@ -44,5 +46,7 @@ class Arena {
   Block* newest_ = nullptr;
   size_t used_ = 0;  // bytes of the newest block
 };
+
+}  // namespace tamsel
 
 #endif

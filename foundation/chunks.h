@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace tamsel {
+
 template <class Item>
 class ChunkArray {
  public:
@@ -81,5 +83,7 @@ class ChunkArray {
   int shift_ = 31;
   std::vector<Entry> directory_;  // the chunks from this one, as far as they were asked for
 };
+
+}  // namespace tamsel
 
 #endif

@@ -5,6 +5,8 @@
 
 #include "foundation/text.h"
 
+using namespace tamsel;
+
 // Arithmetic is done on these, which wrap.
 using Bits = unsigned long long;
 static_assert(sizeof(Bits) == 8, "rational numbers are held in 64 bits");

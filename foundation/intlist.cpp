@@ -4,6 +4,8 @@
 #include <memory>
 #include <utility>
 
+using namespace tamsel;
+
 // Built from the end, so that every cell's hint is the last cell itself.
 IntList::IntList(const int* values, int n) : value(values[0]), last_(this) {
   std::unique_ptr<IntList> tail;  // freed where a further cell cannot be made
@@ -86,7 +88,7 @@ IntList* append(IntList* list, IntList* other) {
   return list;
 }
 
-int same_values(const IntList* a, const IntList* b) {
+int tamsel::same_values(const IntList* a, const IntList* b) {
   while (a != nullptr && b != nullptr && a->value == b->value) {
     a = a->next;
     b = b->next;

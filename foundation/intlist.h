@@ -43,7 +43,6 @@ int extract(const IntList* list, int i, int* out);
 // Takes both lists and hands over `list` followed by `other`.
 IntList* append(IntList* list, IntList* other);
 // 1 if both hold the same values in the same order, else 0.
-int same_values(const IntList* a, const IntList* b);
 int operator==(IntList& a, IntList& b);
 // Appends one cell with `value` to `list`, which may be null.
 void append_list(IntList*& list, int value);
@@ -67,6 +66,11 @@ class IntIterator {
   IntList sentinel;  // stands before the first cell
 };
 
+namespace tamsel {
+
+// The same, and of lists that may be null.
+int same_values(const IntList* a, const IntList* b);
+
 // The elements by position of a list that changes in no way but growing at its end. Borrows the
 // list.
 class IntListIndex {
@@ -87,5 +91,7 @@ class IntListIndex {
   std::vector<int> values_;             // of the cells walked over
   const IntList* walked_to_ = nullptr;  // the last of them
 };
+
+}  // namespace tamsel
 
 #endif

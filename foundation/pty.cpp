@@ -7,6 +7,8 @@
 #include <cstring>
 #include <stdexcept>
 
+using namespace tamsel;
+
 static FILE* open_output(const char* name) {
   if (strcmp(name, "stdout") == 0) return stdout;
   if (strcmp(name, "stderr") == 0) return stderr;
@@ -95,7 +97,9 @@ void PtyStream::make_block(size_t size) {
   room_ = size;
 }
 
-void PtyStream::write_in_blocks() { make_block(file_block); }
+void PtyStream::write_in_blocks() {
+  if (block_ == nullptr) make_block(file_block);
+}
 
 // Leaves the block empty; of a stream without one, does nothing.
 void PtyStream::write_block() {

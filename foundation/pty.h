@@ -16,7 +16,10 @@
 
 #include "foundation/text.h"
 
+class PtyStream;
 class TmpPtyStream;
+
+namespace tamsel {
 
 // Pieces that are always written one after the other, measured once. Together they are short.
 class PieceRun {
@@ -29,12 +32,14 @@ class PieceRun {
   PieceRun(std::initializer_list<const char*> pieces);
 
  private:
-  friend class PtyStream;
+  friend class ::PtyStream;
   char text_[room] = {};
   unsigned char ends_[4] = {};  // where each piece ends
   unsigned char count_ = 0;
   unsigned char size_ = 0;  // of the text
 };
+
+}  // namespace tamsel
 
 class PtyStream {
  public:
@@ -77,10 +82,10 @@ class PtyStream {
     static_assert(size > 1, "an empty text is not a piece");
     piece(text, size - 1);
   }
-  void put(const PieceRun& run) {
+  void put(const tamsel::PieceRun& run) {
     // Where all of it fits, no piece breaks the line.
-    if (run.size_ < width - static_cast<long long>(column) && PieceRun::room <= room_) {
-      std::memcpy(cursor_, run.text_, PieceRun::room);
+    if (run.size_ < width - static_cast<long long>(column) && tamsel::PieceRun::room <= room_) {
+      std::memcpy(cursor_, run.text_, tamsel::PieceRun::room);
       cursor_ += run.size_;
       room_ -= run.size_;
       column += run.size_;
@@ -138,7 +143,7 @@ class PtyStream {
     }
   }
   void write_through(const char* text, size_t length);
-  void put_each(const PieceRun& run);
+  void put_each(const tamsel::PieceRun& run);
   void put_pieces(const char* text);
   void end_line();
 

@@ -6,6 +6,8 @@
 #include <memory>
 #include <new>
 
+using namespace tamsel;
+
 static const int BucketCount = 5041;   // of the tape of a symbol table
 static const size_t PageRoom = 16380;  // bytes of a page that are counted
 static const size_t PageSize = sizeof(STapePage::chars);

@@ -63,7 +63,7 @@ class StringTape {
   char* page_cursor = nullptr;  // where the next string goes
 
  private:
-  int find(const char* s, const TextKey& key) {
+  int find(const char* s, const tamsel::TextKey& key) {
     return index_.find(s, key, [this](int number) { return item(number).str; });
   }
   STapeHashItem& item(int number) { return items_[number - 1]; }
@@ -71,12 +71,12 @@ class StringTape {
   void note_vain_walk(int bucket);
   char* store(const char* s, size_t size);
 
-  TextIndex index_;
-  ChunkArray<STapeHashItem> items_{100};  // by number
+  tamsel::TextIndex index_;
+  tamsel::ChunkArray<STapeHashItem> items_{100};  // by number
 };
 
 // Texts by number: entry i belongs to symbol i + 1. The texts live in the tape.
-using StringArray = ChunkArray<char*>;
+using StringArray = tamsel::ChunkArray<char*>;
 
 class SymbolTable {
  public:

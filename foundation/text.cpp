@@ -6,6 +6,8 @@
 
 #include <locale.h>  // newlocale, uselocale
 
+namespace tamsel {
+
 // Lives until the process ends.
 static locale_t plain_locale() {
   static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
@@ -61,3 +63,5 @@ int read_int(const char* text, const char** end) {
 double read_double(const char* text) { return strtod_l(text, nullptr, plain_locale()); }
 
 float read_float(const char* text) { return strtof_l(text, nullptr, plain_locale()); }
+
+}  // namespace tamsel

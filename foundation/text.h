@@ -10,6 +10,8 @@
 // of the first argument (0 for a va_list), from 1, where a member's `this` counts.
 #define PRINTF_LIKE(text, arguments) __attribute__((format(printf, text, arguments)))
 
+namespace tamsel {
+
 // The whole formatted text, however long. Leaves `args` undefined, as vprintf does.
 std::string format_text(const char* format, va_list args) PRINTF_LIKE(1, 0);
 
@@ -28,5 +30,7 @@ float read_float(const char* text);
 constexpr bool is_blank(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 constexpr bool is_digit(int c) { return c >= '0' && c <= '9'; }
 constexpr bool is_letter(int c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z' && c > 0; }
+
+}  // namespace tamsel
 
 #endif

@@ -6,6 +6,8 @@
 #include <array>
 #include <ctime>
 
+namespace tamsel {
+
 static uint64_t four_characters(const char* text) {
   uint32_t word;
   std::memcpy(&word, text, sizeof word);
@@ -76,3 +78,5 @@ void TextIndex::remove(int number, const TextKey& key) noexcept {
   slots_[gap].number = 0;
   --taken_;
 }
+
+}  // namespace tamsel

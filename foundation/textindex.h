@@ -9,6 +9,8 @@
 #include <cstring>
 #include <vector>
 
+namespace tamsel {
+
 // What is compared of a text: all of a short one, which is then found without a look at any text.
 struct TextKey {
   static constexpr size_t short_length = 8;
@@ -73,5 +75,7 @@ class TextIndex {
   std::vector<Slot> slots_;  // a power of two of them, at most two thirds taken
   size_t taken_ = 0;
 };
+
+}  // namespace tamsel
 
 #endif

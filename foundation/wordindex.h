@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string_view>
 
+namespace tamsel {
+
 // An index of a table of `rows` rows, made by the compiler. A search takes a step or two, wherever
 // the row stands and whether there is one or not.
 template <class Row, size_t rows>
@@ -51,5 +53,7 @@ class WordIndex {
 
   Slot slots_[slot_count()] = {};
 };
+
+}  // namespace tamsel
 
 #endif

@@ -2,6 +2,8 @@
 
 #include "model/ecprg.h"
 
+using namespace tamsel;
+
 EcType::~EcType() {
   delete constants;
   if (is_tuple) delete members;
@@ -32,13 +34,13 @@ Exp::~Exp() {
     ExpInfo* behind = infos->next;
     delete infos;
     infos = behind;
-    --annotations_;
+    --things_of_nodes;
   }
   if (!in_arena_) delete[] args;
 }
 
 void ExpHeap::cut_back(const Mark& mark) {
-  while (newest_ != mark.newest && (entered_ > 0 || Exp::annotations_ > 0)) {
+  while (newest_ != mark.newest && (entered_ > 0 || things_of_nodes > 0)) {
     Exp* e = newest_;
     newest_ = e->made_before_;
     if (e->in_arena_) {

@@ -5,6 +5,8 @@
 #include "model/ecprg.h"
 #include "model/walk.h"
 
+using namespace tamsel;
+
 namespace {
 
 // Types a tree from its leaves up and stops at the first node that is ill-typed.

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <unordered_set>
 
+using namespace tamsel;
+
 // Whatever can throw stands before the first change, in every operation below.
 
 void EcPrg::EcPrgInit(SymbolTable* table) {

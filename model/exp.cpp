@@ -5,6 +5,8 @@
 
 #include "model/ecprg.h"
 
+using namespace tamsel;
+
 // clang-format off
 const ExpKind ExpNatureKeys[EXP_NATURES] = {
     {ERROR_n,    "",        "ERROR_n",    ExpForm::none,         ExpTyping::unexpected,    0,  false},
@@ -50,7 +52,7 @@ const ExpKind ExpNatureKeys[EXP_NATURES] = {
 };
 // clang-format on
 
-const ExpKind* exp_kind(ExpNature nature) {
+const ExpKind* tamsel::exp_kind(ExpNature nature) {
   return static_cast<unsigned>(nature) < EXP_NATURES ? &ExpNatureKeys[nature] : nullptr;
 }
 
@@ -161,7 +163,7 @@ int Exp::function_ident() {
   return EcPrg::ierror("Exp::function_name called on '%s' operator", nodekey(nature));
 }
 
-size_t Exp::annotations_ = 0;
+std::atomic<size_t> tamsel::things_of_nodes;
 
 // The cell of `key`, or the place where it belongs.
 static ExpInfo** place_of(ExpInfo** infos, int key) {
@@ -176,7 +178,7 @@ void Exp::put_info(int info_key, void* value) {
     return;
   }
   *place = new ExpInfo{info_key, value, *place};
-  ++annotations_;
+  ++things_of_nodes;
 }
 
 void Exp::drop_info(int info_key) {
@@ -185,7 +187,7 @@ void Exp::drop_info(int info_key) {
   if (info == nullptr || info->key != info_key) return;
   *place = info->next;
   delete info;
-  --annotations_;
+  --things_of_nodes;
 }
 
 void* Exp::get_ptr_info(int info_key) {

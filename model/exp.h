@@ -5,7 +5,8 @@
 #ifndef MODEL_EXP_H
 #define MODEL_EXP_H
 
-#include <memory>
+#include <atomic>
+#include <cstddef>
 
 #include "foundation/arena.h"
 #include "foundation/fract.h"
@@ -107,7 +108,9 @@ struct ExpKind {
 extern const ExpKind ExpNatureKeys[EXP_NATURES];
 
 // The row of a nature; null for a number that is none.
+namespace tamsel {
 const ExpKind* exp_kind(ExpNature nature);
+}
 // A kind's name and its operator's keyword; "?" and the empty text for a number that is no nature.
 const char* nodekey(ExpNature nature);
 const char* opkey(ExpNature nature);
@@ -140,6 +143,36 @@ class ExpList {
   Exp* exp;
   ExpList* next;  // owned
 };
+
+namespace tamsel {
+
+// How many annotations and arrays of coefficients the nodes of the process own.
+extern std::atomic<size_t> things_of_nodes;
+
+// The coefficients of a node: an array, or null. Owns it.
+template <class Number>
+class Coefficients {
+ public:
+  Coefficients() = default;
+  ~Coefficients() { reset(); }
+  Coefficients(const Coefficients&) = delete;
+  Coefficients& operator=(const Coefficients&) = delete;
+
+  // Takes `fresh`, which is made with `new[]`, or null.
+  void reset(Number* fresh = nullptr) {
+    if (fresh != nullptr) ++things_of_nodes;
+    if (numbers_ != nullptr) --things_of_nodes;
+    delete[] numbers_;
+    numbers_ = fresh;
+  }
+  Number* get() const { return numbers_; }
+  Number& operator[](int i) const { return numbers_[i]; }
+
+ private:
+  Number* numbers_ = nullptr;
+};
+
+}  // namespace tamsel
 
 class Exp {
  public:
@@ -185,13 +218,13 @@ class Exp {
   void Iprint_def(PtyStream* out, SymbolTable* symbols);
   void print_brief(PtyStream* out, SymbolTable* symbols);
 
-  ExpInfo* infos = nullptr;         // owned
-  int key = 0;                      // for users of the model to number nodes
-  int reserved = 0;                 // nothing reads it
-  std::unique_ptr<int[]> ints;      // one coefficient an operand, or null
-  std::unique_ptr<Fract[]> coeffs;  // one coefficient an operand, or null
-  Fract constant = Fract(0);        // the constant that goes with `coeffs`
-  int int_param = 0;                // the constant that goes with `ints`
+  ExpInfo* infos = nullptr;            // owned
+  int key = 0;                         // for users of the model to number nodes
+  int reserved = 0;                    // nothing reads it
+  tamsel::Coefficients<int> ints;      // one an operand, or null
+  tamsel::Coefficients<Fract> coeffs;  // one an operand, or null
+  Fract constant = Fract(0);           // the constant that goes with `coeffs`
+  int int_param = 0;                   // the constant that goes with `ints`
   // From here on what every pass asks for. It stands together, and next to the operands.
   int clock = -1;          // symbol of its clock; -1 until known
   EcType* type = nullptr;  // null until known
@@ -200,7 +233,6 @@ class Exp {
 
  private:
   friend class ExpHeap;
-  static size_t annotations_;   // of all nodes of the process
   Exp* made_before_ = nullptr;  // the next older node of its heap
   bool in_arena_ = false;       // with its array of operands
 
@@ -217,7 +249,7 @@ class ExpHeap {
   struct Mark {
     size_t size;
     Exp* newest;
-    Arena::Mark arena;
+    tamsel::Arena::Mark arena;
   };
 
   ExpHeap() = default;
@@ -240,13 +272,13 @@ class ExpHeap {
   }
   Mark mark() const { return {size_, newest_, arena_.mark()}; }
   // Deletes the nodes made since `mark`. Looks at none of them where all lie in the arena and no
-  // node of the process is annotated: there is nothing else that those could own.
+  // node of the process has something that it owns.
   void cut_back(const Mark& mark);
 
  private:
   void add(Exp* e) noexcept;
 
-  Arena arena_;
+  tamsel::Arena arena_;
   Exp* newest_ = nullptr;
   size_t size_ = 0;
   size_t entered_ = 0;  // how many do not lie in the arena

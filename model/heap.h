@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <vector>
 
+namespace tamsel {
+
 // Owns records and deletes them, newest first, in its destructor.
 template <class Record>
 class Heap {
@@ -35,5 +37,7 @@ class Heap {
  private:
   std::vector<Record*> records_;
 };
+
+}  // namespace tamsel
 
 #endif

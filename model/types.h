@@ -127,13 +127,13 @@ class FuncInfo : public SymbolInfo {
 };
 
 // Records by symbol number; null for a symbol without a record. Owns the records.
-class SymbolInfoArray : public ChunkArray<SymbolInfo*> {
+class SymbolInfoArray : public tamsel::ChunkArray<SymbolInfo*> {
  public:
   SymbolInfoArray(int chunk_size, int first) : ChunkArray(chunk_size, first) {}
   ~SymbolInfoArray();
 };
 
 // Records in the order of their making.
-using SymbolInfoHeap = Heap<SymbolInfo>;
+using SymbolInfoHeap = tamsel::Heap<SymbolInfo>;
 
 #endif

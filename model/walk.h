@@ -9,6 +9,8 @@
 
 #include "model/exp.h"
 
+namespace tamsel {
+
 // What a walk asks of its visitor, which hides those that it minds. `place` counts operands from 0.
 // The calls are not virtual: most of them are shorter than a virtual call.
 struct ExpVisitor {
@@ -57,5 +59,7 @@ void walk(Exp* root, Visitor& visitor) {
     if (operand != nullptr && visitor.enter(operand, exp, place)) open(operand);
   }
 }
+
+}  // namespace tamsel
 
 #endif

@@ -4,6 +4,8 @@
 #include <new>
 #include <vector>
 
+namespace tamsel {
+
 bool reader_out_of_memory;
 bool reader_keeps_messages;
 
@@ -115,26 +117,6 @@ IntList* and_name(IntList* names, int name, EcPosition place) {
 IntList* new_type_list(int type, EcPosition place) {
   attempt_at(place, [=] { YY_ecprg->get_named_type(type); });
   return new_list(type);
-}
-
-void AddUserConsts(IntList* names, int type, int clock, EcPosition type_place) {
-  declare_all(names, type, type_place,
-              [=](int name, EcType* t) { YY_ecprg->add_usr_const(name, t, clock); });
-}
-
-void AddInputs(IntList* names, int type, int clock, EcPosition type_place) {
-  declare_all(names, type, type_place,
-              [=](int name, EcType* t) { YY_ecprg->add_input(name, t, clock); });
-}
-
-void AddOutputs(IntList* names, int type, int clock, EcPosition type_place) {
-  declare_all(names, type, type_place,
-              [=](int name, EcType* t) { YY_ecprg->add_output(name, t, clock, 0); });
-}
-
-void AddLocals(IntList* names, int type, int clock, EcPosition type_place) {
-  declare_all(names, type, type_place,
-              [=](int name, EcType* t) { YY_ecprg->add_local(name, t, clock); });
 }
 
 void add_abstract_type(int name, EcPosition place) { add_enum_type(name, nullptr, place); }
@@ -257,4 +239,28 @@ Exp* list_operator(ExpNature nature, ExpList* list) {
     for (const ExpList* cell = list; cell != nullptr; cell = cell->next) *place++ = cell->exp;
     return YY_ecprg->exp_heap.node(nature, list->length, operands.data());
   });
+}
+
+}  // namespace tamsel
+
+using namespace tamsel;
+
+void AddUserConsts(IntList* names, int type, int clock, EcPosition type_place) {
+  declare_all(names, type, type_place,
+              [=](int name, EcType* t) { YY_ecprg->add_usr_const(name, t, clock); });
+}
+
+void AddInputs(IntList* names, int type, int clock, EcPosition type_place) {
+  declare_all(names, type, type_place,
+              [=](int name, EcType* t) { YY_ecprg->add_input(name, t, clock); });
+}
+
+void AddOutputs(IntList* names, int type, int clock, EcPosition type_place) {
+  declare_all(names, type, type_place,
+              [=](int name, EcType* t) { YY_ecprg->add_output(name, t, clock, 0); });
+}
+
+void AddLocals(IntList* names, int type, int clock, EcPosition type_place) {
+  declare_all(names, type, type_place,
+              [=](int name, EcType* t) { YY_ecprg->add_local(name, t, clock); });
 }

@@ -8,6 +8,16 @@
 
 #include "reader/reader.h"
 
+// Declarations. `type` is the symbol of a type's name, which stands at `type_place`. A type that is
+// unknown is reported, and what is declared with it has none. They take `names`, the name list read
+// last.
+void AddUserConsts(IntList* names, int type, int clock, tamsel::EcPosition type_place);
+void AddInputs(IntList* names, int type, int clock, tamsel::EcPosition type_place);
+void AddOutputs(IntList* names, int type, int clock, tamsel::EcPosition type_place);
+void AddLocals(IntList* names, int type, int clock, tamsel::EcPosition type_place);
+
+namespace tamsel {
+
 extern bool reader_out_of_memory;
 extern bool reader_keeps_messages;  // in the program: it is read, and not an expression against it
 
@@ -24,14 +34,8 @@ IntList* and_name(IntList* names, int name, EcPosition place);  // takes `names`
 // The name of a parameter's type, which is reported where it is unknown.
 IntList* new_type_list(int type, EcPosition place);
 
-// --- Declarations. `type` is the symbol of a type's name, which stands at `type_place`. A type
-// that is unknown is reported, and what is declared with it has none. The four take `names`, the
-// name list read last.
+// --- The other declarations.
 
-void AddUserConsts(IntList* names, int type, int clock, EcPosition type_place);
-void AddInputs(IntList* names, int type, int clock, EcPosition type_place);
-void AddOutputs(IntList* names, int type, int clock, EcPosition type_place);
-void AddLocals(IntList* names, int type, int clock, EcPosition type_place);
 void add_abstract_type(int name, EcPosition place);
 // Takes `constants`, the name list read last.
 void add_enum_type(int name, IntList* constants, EcPosition place);
@@ -59,5 +63,7 @@ Exp* call(int function, Exp* argument);
 ExpList* new_exp_list(Exp* e);
 ExpList* and_then(ExpList* list, Exp* e);
 Exp* list_operator(ExpNature nature, ExpList* list);
+
+}  // namespace tamsel
 
 #endif

@@ -5,9 +5,9 @@
    such a rule is reduced without a look at the next token, while ecprg_lval still holds the text. */
 
 %define api.prefix {ecprg_}
-%define api.value.type {EcValue}
+%define api.value.type {tamsel::EcValue}
 %locations
-%define api.location.type {EcPosition}
+%define api.location.type {tamsel::EcPosition}
 
 %code requires {
 #include "reader/reader.h"
@@ -23,6 +23,8 @@
 #include <algorithm>
 
 #include "reader/actions.h"
+
+using namespace tamsel;
 
 /* When the stacks grow, values move by assignment. */
 #define YYCOPY(to, from, count) std::copy_n(from, count, to)

@@ -11,13 +11,15 @@
 #include "foundation/wordindex.h"
 #include "reader/reader.h"
 
+using namespace tamsel;
+
 int carcour;
 int yyline = 1;
 const char* YY_instring;
 FILE* YY_infile;
 int YYLEX_BOOT;
 int YY_result;
-char YY_lexical_error[1024];
+char tamsel::lexical_message[1024];
 char buffer[1024];
 char lexemeBuff[1024];
 
@@ -149,9 +151,9 @@ PRINTF_LIKE(1, 2)
 int lexical_error(const char* format, ...) {
   va_list args;
   va_start(args, format);
-  std::vsnprintf(YY_lexical_error, sizeof YY_lexical_error, format, args);
+  std::vsnprintf(lexical_message, sizeof lexical_message, format, args);
   va_end(args);
-  if (YY_ecprg != nullptr) YY_ecprg->error("%s", YY_lexical_error);
+  if (YY_ecprg != nullptr) YY_ecprg->error("%s", lexical_message);
   return -1;
 }
 
@@ -260,7 +262,7 @@ int GetChar(int* c) { return *c = next_character(); }
 
 static int start_scan(int boot, FILE* f, const char* text) {
   YYLEX_BOOT = boot;
-  YY_lexical_error[0] = '\0';
+  lexical_message[0] = '\0';
   yyline = 1;
   YY_instring = text;
   YY_infile = f;

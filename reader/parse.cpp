@@ -5,6 +5,8 @@
 #include "ecprg.tab.h"
 #include "reader/actions.h"
 
+using namespace tamsel;
+
 EcPrg* YY_ecprg;
 SymbolTable* YY_Symbols;
 Exp* ecexp;
@@ -33,8 +35,8 @@ static int parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const char
   forget_names();
   if (reader_out_of_memory) throw std::bad_alloc();
   // Behind a whole program a lexical error ends the text, and the grammar does not complain.
-  if (result == 0 && boot == START_EC && YY_lexical_error[0] != '\0')
-    prg->messages.push_back({YY_lexical_error, 0, ecprg_lloc.line});
+  if (result == 0 && boot == START_EC && lexical_message[0] != '\0')
+    prg->messages.push_back({lexical_message, 0, ecprg_lloc.line});
   return result;
 }
 
@@ -45,8 +47,8 @@ static ExpRefusal read_expression(EcPrg* prg, SymbolTable* symbols, FILE* f, con
                                   Exp** out) {
   *out = nullptr;
   const int result = parse(prg, symbols, START_EXP, f, text);
-  if (YY_lexical_error[0] != '\0') prg->error("%s", YY_lexical_error);
-  if (result != 0 || YY_lexical_error[0] != '\0') return ExpRefusal::syntax;
+  if (lexical_message[0] != '\0') prg->error("%s", lexical_message);
+  if (result != 0 || lexical_message[0] != '\0') return ExpRefusal::syntax;
   *out = ecexp;
   return ecexp != nullptr ? ExpRefusal::none : ExpRefusal::name;
 }
@@ -65,7 +67,7 @@ int EcParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f) {
   return parse(prg, symbols, START_EC, f, nullptr);
 }
 
-int EcParseString(EcPrg* prg, SymbolTable* symbols, const char* text) {
+int tamsel::EcParseString(EcPrg* prg, SymbolTable* symbols, const char* text) {
   return parse(prg, symbols, START_EC, nullptr, text);
 }
 

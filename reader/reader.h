@@ -10,6 +10,18 @@
 
 #include "model/ecprg.h"
 
+namespace tamsel {
+
+// A place in a text. A column counts characters of UTF-8, not their bytes.
+struct EcPosition {
+  // Bison's first place has four numbers.
+  EcPosition(int in_line = 1, int in_column = 1, int = 0, int = 0)
+      : line(in_line), column(in_column) {}
+
+  int line;    // from 1
+  int column;  // from 1
+};
+
 // What a token or a rule of the grammar is worth. Tokens fill `text`, rules any of the others. A
 // value that moves on the parser's stack takes along what rules produce and leaves a token's text
 // behind: the rule that reads the text is reduced as soon as the token is shifted, while it still
@@ -36,15 +48,7 @@ struct EcValue {
   };
 };
 
-// A place in a text. A column counts characters of UTF-8, not their bytes.
-struct EcPosition {
-  // Bison's first place has four numbers.
-  EcPosition(int in_line = 1, int in_column = 1, int = 0, int = 0)
-      : line(in_line), column(in_column) {}
-
-  int line;    // from 1
-  int column;  // from 1
-};
+}  // namespace tamsel
 
 // --- Entry points. They borrow everything they are given, and the file is left open where they did
 // not open it. They answer 0 for success, 1 after an error, 2 when the text nests deeper than the
@@ -54,7 +58,9 @@ struct EcPosition {
 // Read a whole program. A path that cannot be opened is reported on standard error.
 int EcParse(EcPrg* prg, SymbolTable* symbols, const char* path);
 int EcParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f);
+namespace tamsel {
 int EcParseString(EcPrg* prg, SymbolTable* symbols, const char* text);
+}
 // Read one expression. `*out` is the expression, owned by `prg`, or null after any error.
 int EcExpParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f, Exp** out);
 int EcExpParseString(EcPrg* prg, SymbolTable* symbols, const char* text, Exp** out);
@@ -65,15 +71,14 @@ int EcLexTest(SymbolTable* symbols, const char* path);
 
 // --- The lexer.
 
-extern int carcour;                  // the look-ahead character; -1 at the end
-extern int yyline;                   // line of that character, from 1
-extern const char* YY_instring;      // what is left of the string being read; null for a file
-extern FILE* YY_infile;              // the file being read; null for a string
-extern int YYLEX_BOOT;               // token to deliver before any text; 0: none
-extern int YY_result;                // the token last delivered; 0 at the end or after an error
-extern char YY_lexical_error[1024];  // message of the error that ended the scan; empty: none
-extern char buffer[1024];            // the lexeme being assembled
-extern char lexemeBuff[1024];        // room for printLexeme
+extern int carcour;              // the look-ahead character; -1 at the end
+extern int yyline;               // line of that character, from 1
+extern const char* YY_instring;  // what is left of the string being read; null for a file
+extern FILE* YY_infile;          // the file being read; null for a string
+extern int YYLEX_BOOT;           // token to deliver before any text; 0: none
+extern int YY_result;            // the token last delivered; 0 at the end or after an error
+extern char buffer[1024];        // the lexeme being assembled
+extern char lexemeBuff[1024];    // room for printLexeme
 
 // Begin a scan at line 1 with the boot token armed. They return 1, or 0 where the text is empty.
 int yylexInitFile(int boot, FILE* f);
@@ -85,15 +90,20 @@ int ecprg_lex();
 // A token as text, for messages; valid until the next call or token.
 const char* printLexeme(int token);
 
+namespace tamsel {
+extern char lexical_message[1024];  // message of the error that ended the scan; empty: none
+}
+
 // --- The parser.
 
-extern EcPrg* YY_ecprg;          // the program being filled; null: reports go nowhere
-extern SymbolTable* YY_Symbols;  // where names are interned
-extern Exp* ecexp;               // the expression that was read
-extern EcValue ecprg_lval;       // value of the current token
-extern EcPosition ecprg_lloc;    // where that token begins; at the end, behind the last character
-extern int ecprg_char;           // the look-ahead token; -2: none
-extern int ecprg_nerrs;          // syntax errors of the current parse
+extern EcPrg* YY_ecprg;             // the program being filled; null: reports go nowhere
+extern SymbolTable* YY_Symbols;     // where names are interned
+extern Exp* ecexp;                  // the expression that was read
+extern tamsel::EcValue ecprg_lval;  // value of the current token
+extern tamsel::EcPosition
+    ecprg_lloc;          // where that token begins; at the end, behind the last character
+extern int ecprg_char;   // the look-ahead token; -2: none
+extern int ecprg_nerrs;  // syntax errors of the current parse
 
 int ecprg_parse();
 // Reports `message` with the line and the token at which it stands.

@@ -9,6 +9,8 @@
 #include "tcl/tcl_init_quarel.h"
 #include "tcl/tcl_timer.h"
 
+using namespace tamsel;
+
 Dorvik* last_dorvik;
 
 namespace {

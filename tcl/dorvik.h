@@ -149,9 +149,10 @@ class EcPrgVar {
   Tcl_Command command = nullptr;           // null before it is created and when it is gone
   Tcl_Obj* full_name = nullptr;            // of the command; this object holds one reference
   Dorvik* owner;
-  int holders = 1;                                                      // see the class
-  int new_ident_count = 0;                                              // of generated names
-  IntListIndex input_index, output_index, local_index, function_index;  // of the program's lists
+  int holders = 1;          // see the class
+  int new_ident_count = 0;  // of generated names
+  tamsel::IntListIndex input_index, output_index, local_index,
+      function_index;                    // of the program's lists
   std::unique_ptr<tamsel::Users> users;  // made when it is asked for, and again after a change
 
   // A fresh program on a table of its own: what an object is given as a whole.
@@ -193,7 +194,7 @@ int monatoi(const char* text, int* value);
 struct Section {
   IntList* EcPrg::*names;
   int EcPrg::*count;
-  IntListIndex EcPrgVar::*index;  // null where nobody asks
+  tamsel::IntListIndex EcPrgVar::*index;  // null where nobody asks
 };
 
 // What an operation does to the program of its object.

@@ -7,6 +7,8 @@
 #include "tcl/dorvik.h"
 #include "tcl/syntax_error.h"
 
+using namespace tamsel;
+
 // A new symbol: the prefix and a number that makes it one. The numbers never go back.
 int EcPrgVar::built_new_ident(const char* prefix) {
   do {

@@ -12,6 +12,8 @@
 #include "tcl/dorvik.h"
 #include "tcl/syntax_error.h"
 
+using namespace tamsel;
+
 void EcPrgVar::install(Program program) {
   users.reset();
   prg = std::move(program.prg);

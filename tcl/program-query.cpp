@@ -6,6 +6,8 @@
 #include "foundation/errors.h"
 #include "tcl/dorvik.h"
 
+using namespace tamsel;
+
 const char* EcPrgVar::type_name(const EcType* type) const {
   return prg->type_name(type, "<unamed-type>");
 }

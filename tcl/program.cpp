@@ -9,6 +9,8 @@
 #include "foundation/wordindex.h"
 #include "tcl/dorvik.h"
 
+using namespace tamsel;
+
 static const Section inputs = {&EcPrg::inputs, &EcPrg::nb_inputs, &EcPrgVar::input_index};
 static const Section outputs = {&EcPrg::outputs, &EcPrg::nb_outputs, &EcPrgVar::output_index};
 static const Section locals = {&EcPrg::locals, &EcPrg::nb_locals, &EcPrgVar::local_index};

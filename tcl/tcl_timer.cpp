@@ -7,6 +7,8 @@
 #include "foundation/text.h"
 #include "tcl/support.h"
 
+using namespace tamsel;
+
 namespace {
 
 // A timer, from add_timer until it has fired or is aborted.

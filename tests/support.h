@@ -8,6 +8,8 @@
 
 #include "tests/compare.h"
 
+using namespace tamsel;
+
 struct Program : LoadedProgram {
   Program() = default;
   explicit Program(const std::string& text) { EXPECT_EQ(0, read(text)) << message(); }

@@ -8,6 +8,8 @@
 #include "model/ecprg.h"
 #include "model/walk.h"
 
+using namespace tamsel;
+
 int Iprint_current_mark;
 
 namespace {

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+using namespace tamsel;
+
 TEST(Arena, KeepsPiecesApartAndIsTakenBackToAMark) {
   Arena arena;
   const Arena::Mark empty = arena.mark();

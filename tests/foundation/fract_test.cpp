@@ -5,6 +5,8 @@
 
 #include "tests/support.h"
 
+using namespace tamsel;
+
 static std::string printed(const Fract& x) {
   return stdout_text([&] { x.print(); });
 }

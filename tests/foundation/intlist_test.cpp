@@ -4,6 +4,8 @@
 
 #include "tests/support.h"
 
+using namespace tamsel;
+
 using List = std::unique_ptr<IntList>;
 
 static List make(const std::vector<int>& values) {

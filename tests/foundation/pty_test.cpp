@@ -8,6 +8,8 @@
 
 #include "tests/support.h"
 
+using namespace tamsel;
+
 TEST(PtyStream, BreaksAndIndentsLines) {
   const std::string b20(20, 'b'), d100(100, 'd');
   const struct {
@@ -42,6 +44,7 @@ TEST(PtyStream, WritesTheSameInBlocksAndInRuns) {
       if (in_blocks) stream->write_in_blocks();
       for (int i = 0; i < 30000; ++i) {
         stream->put_text(&"a name or \f two\n"[i % 17]);
+        if (in_blocks && i == 100) stream->write_in_blocks();  // again, and nothing is lost
         if (in_runs)
           stream->put(run);
         else

@@ -2,6 +2,8 @@
 
 #include "tests/support.h"
 
+using namespace tamsel;
+
 TEST(StringTape, HashesLowNibblesInGroups) {
   const struct {
     const char* name;

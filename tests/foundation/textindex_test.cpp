@@ -4,6 +4,8 @@
 
 #include <string>
 
+using namespace tamsel;
+
 namespace {
 
 struct Texts {

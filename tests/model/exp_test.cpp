@@ -73,6 +73,10 @@ TEST(ExpHeap, FreesNodesOfItsOwnAndThoseThatWereEntered) {
   }
   old->put_info(1, old);
   other.enter(new Exp(NOT_n, old));
+
+  ExpHeap combined;
+  for (int round = 0; round < 2; ++round) combined.node(RCL_n, 1, &old)->coeffs.reset(new Fract[1]);
+  combined.node(ICL_n, 1, &old)->ints.reset(new int[1]);
 }
 
 TEST(Walk, AsksNothingOfAVisitorThatMinds) {
