@@ -40,6 +40,12 @@ auto attempt_at(EcPosition place, Action action) -> decltype(action()) {
   return attempt(action);
 }
 
+// Notes where `thing` is declared; null where memory ran out before it was.
+template <class Thing>
+void note_line(Thing* thing, int line) {
+  if (thing != nullptr) thing->line = line;
+}
+
 // Gives every name of `names`, which it takes, to `declare`, with the type called `type_name`.
 template <class Declare>
 void declare_all(IntList* names, int type_name, EcPosition type_place, Declare declare) {
@@ -49,7 +55,7 @@ void declare_all(IntList* names, int type_name, EcPosition type_place, Declare d
     EcType* type = YY_ecprg->get_named_type(type_name);
     for (const ListedName& name : listed_names) {
       declare(name.symbol, type);
-      YY_ecprg->ident(name.symbol)->line = name.line;
+      note_line(YY_ecprg->ident(name.symbol), name.line);
     }
   });
 }
@@ -87,6 +93,7 @@ Exp* node(ExpNature nature, int rank, Operands... operands) {
 
 // Notes where the equation stands that now defines `ident`.
 void note_equation(IdentInfo* ident, EcPosition place) {
+  if (ident == nullptr) return;
   if (ident->mode == OUTPUT_mode || ident->mode == LOCAL_mode) ident->equation_line = place.line;
 }
 
@@ -110,8 +117,9 @@ IntList* new_name_list(int name, EcPosition place) {
 }
 
 IntList* and_name(IntList* names, int name, EcPosition place) {
-  attempt([=] { listed_names.push_back({name, place.line}); });
-  return append(names, new_list(name));
+  IntList* cell = new_list(name);
+  if (cell != nullptr) attempt([=] { listed_names.push_back({name, place.line}); });
+  return append(names, cell);
 }
 
 IntList* new_type_list(int type, EcPosition place) {
@@ -130,10 +138,10 @@ void add_enum_type(int name, IntList* constants, EcPosition place) {
     else
       YY_ecprg->add_usr_type(name, constants);
     if (YY_ecprg->nb_user_types == known) return;
-    YY_ecprg->named_type(name)->line = place.line;
+    note_line(YY_ecprg->named_type(name), place.line);
     if (constants == nullptr) return;
     for (const ListedName& constant : listed_names)
-      YY_ecprg->ident(constant.symbol)->line = constant.line;
+      note_line(YY_ecprg->ident(constant.symbol), constant.line);
   });
 }
 
@@ -148,20 +156,16 @@ void add_function(int name, EcValue::Params params, EcValue::Params results, EcP
     EcType* param_type = type_of_list(param_types);
     EcType* result_type = type_of_list(result_types);
     YY_ecprg->add_usr_func(name, param_type, result_type, inputs.release(), outputs.release());
-    YY_ecprg->function(name)->line = place.line;
+    note_line(YY_ecprg->function(name), place.line);
   });
 }
 
 void add_assertion(Exp* e, EcPosition place) {
-  attempt([=] {
-    if (IdentInfo* assertion = YY_ecprg->add_assertion(e)) assertion->line = place.line;
-  });
+  attempt([=] { note_line(YY_ecprg->add_assertion(e), place.line); });
 }
 
 void add_equation(int name, Exp* e, EcPosition place) {
-  attempt_at(place, [=] {
-    if (IdentInfo* ident = YY_ecprg->define_ident(name, e)) note_equation(ident, place);
-  });
+  attempt_at(place, [=] { note_equation(YY_ecprg->define_ident(name, e), place); });
 }
 
 void add_tuple_equation(IntList* names, Exp* e, EcPosition place) {
