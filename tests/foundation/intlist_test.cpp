@@ -66,8 +66,8 @@ TEST(IntList, HoldsAMillionCells) {
   EXPECT_EQ(1, same_values(built.get(), appended.get()));
   appended->last()->value = 8;
   EXPECT_EQ(0, same_values(built.get(), appended.get()));
-  append_list(built->next, 7);
-  EXPECT_EQ(0, same_values(built.get(), appended.get()));
+  EXPECT_EQ(0, same_values(built->next, built.get()));
+  EXPECT_EQ(0, same_values(built.get(), built->next));
 }
 
 TEST(IntList, PrintsTenValuesALine) {

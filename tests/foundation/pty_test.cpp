@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <stdexcept>
 
 #include "tests/support.h"
 
@@ -109,23 +110,35 @@ TEST(TmpPtyStream, LostTextIsMissingInTheCopy) {
   EXPECT_EQ(EBADF, copy.close());
 }
 
-TEST(PtyStream, AFullStandardOutputSpoilsNothingLater) {
+TEST(PtyStream, AFullStandardStreamSpoilsNothingLater) {
   if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no full device here";
-  fflush(stdout);
-  const int saved = dup(1), full = open("/dev/full", O_WRONLY);
-  dup2(full, 1);
-  PtyStream stream("stdout", 80, nullptr);
-  fputs("written directly", stream.file);
-  const int error = stream.close();
-  dup2(saved, 1);
-  close(full);
-  close(saved);
-  EXPECT_EQ(ENOSPC, error);
-  testing::internal::CaptureStdout();
-  PtyStream next(80, nullptr);
-  next.put("%s%d", "still open", 1);
-  EXPECT_EQ(0, next.close());
-  EXPECT_EQ("still open1", testing::internal::GetCapturedStdout());
+  for (const char* name : {"stdout", "stderr"}) {
+    FILE* const file = *(name + 3) == 'o' ? stdout : stderr;
+    fflush(file);
+    const int saved = dup(fileno(file)), full = open("/dev/full", O_WRONLY);
+    dup2(full, fileno(file));
+    PtyStream stream(name, 80, nullptr);
+    fputs("written directly", stream.file);
+    const int error = stream.close();
+    TmpPtyStream elsewhere(80, nullptr);
+    dup2(fileno(elsewhere.file), fileno(file));
+    PtyStream next(file, 80, nullptr);
+    next.put("%s%d", "still open", 1);
+    EXPECT_EQ(0, next.close());
+    dup2(saved, fileno(file));
+    close(full);
+    close(saved);
+    EXPECT_EQ(file == stdout ? ENOSPC : EIO, error);
+    EXPECT_EQ("still open1", written([&](PtyStream* out) { out->put(&elsewhere); }));
+  }
+}
+
+TEST(PieceRun, HoldsFourPiecesOfSixteenCharactersTogether) {
+  EXPECT_EQ("1234567890123456", written([](PtyStream* out) {
+              out->put(PieceRun({"123456789", "012345", "", "6"}));
+            }));
+  EXPECT_THROW(PieceRun({"1234567890", "1234567"}), std::length_error);
+  EXPECT_THROW(PieceRun({"1", "2", "3", "4", "5"}), std::length_error);
 }
 
 TEST(PtyStream, UnopenableFileExits) {

@@ -1,5 +1,7 @@
 #include "foundation/symbols.h"
 
+#include <vector>
+
 #include "tests/support.h"
 
 using namespace tamsel;
@@ -13,6 +15,7 @@ TEST(StringTape, HashesLowNibblesInGroups) {
       {"", 0}, {"a", 1}, {"q", 1},  // the high nibble does not count
       {"abcdefg", 0x1234567}, {"abcdefgh", 0x1234567 + 8},  // a group of seven, and the next
       {"abcdefghijklmno", 0x1234567 + 0x89abcdefu},
+      {"abcdefghijklmnopqrstuvwx", 0x1234567 + 0x89abcdefu + 0x01234567 + 8},
       {"ooooooooooooooo", 0xfffffffu + 0xffffffffu},  // 32 bits wrap
       // clang-format on
   };
@@ -75,8 +78,13 @@ TEST(SymbolTable, FindsThenAddsOrGets) {
   EXPECT_EQ(1, number);
 }
 
+// All short names of some letters, which differ in any bits; and long ones.
 TEST(SymbolTable, TakesNamesAsTheyAre) {
-  const std::string names[] = {"", "%s%n%d", std::string(1024, 'x'), std::string(50000, 'x')};
+  std::vector<std::string> names = {""};
+  for (size_t i = 0; names[i].size() < 7; ++i)
+    for (const char letter : {'\x7f', '\x80', '\xff'}) names.push_back(names[i] + letter);
+  for (const size_t length : {1024, 50000}) names.push_back(std::string(length, 'x'));
+  names.push_back("%s%n%d");
   SymbolTable table;
   int number = 0;
   for (const std::string& name : names) {

@@ -30,6 +30,7 @@ TEST(EcPrg, RanksWhatItDeclares) {
       "const k : token; red2 : color;"
       "function f(a : int) returns (b : int) function p(a : int) returns (b : int; c : int)"
       "function h(a : int; b : bool) returns (c : color)"
+      "function p2(a : int) returns (b : int; c : int)"
       "node n(x, y : int; z : bool) returns (o, q : int); var l, m : bool; let tel");
   const struct {
     const char* name;
@@ -62,10 +63,17 @@ TEST(EcPrg, RanksWhatItDeclares) {
   EXPECT_EQ("red2", names(program, color->constants));
   EXPECT_EQ("red green blue k red2", names(program, program.prg.constants));
   EXPECT_EQ("f h", names(program, program.prg.functions));
-  EXPECT_EQ("p", names(program, program.prg.tuple_functions));
-  const FuncInfo* h = program.prg.function(program.symbol("h"));
-  EXPECT_EQ(1, h->index);
-  EXPECT_EQ("a int b bool", names(program, h->params));
+  EXPECT_EQ("p p2", names(program, program.prg.tuple_functions));
+  for (const char* name : {"f", "h", "p", "p2"})
+    EXPECT_EQ(*name == 'h' || name[1] == '2', program.prg.function(program.symbol(name))->index)
+        << name;
+  EXPECT_EQ("a int b bool", names(program, program.prg.function(program.symbol("h"))->params));
+  // What stands nowhere in its enumeration is a constant all the same.
+  for (const int rank : {-1, 0, 3})
+    program.prg.add_enum_const(program.symbol("late"), rank == 0 ? nullptr : color, 1, rank);
+  EXPECT_EQ(3, color->nb_enum);
+  EXPECT_EQ(program.ident("blue"), color->enum_const(0));
+  EXPECT_EQ(7, program.ident("late")->value);
 }
 
 TEST(EcPrg, PutsOutputsInFrontWhereAsked) {

@@ -24,6 +24,7 @@ proc cycle {i} {
     p profile
     p exp "1 + $i"
     catch {p exp "1 + nosuch$i"}
+    catch {kept exp "[string repeat {a + } 100] nosuch"}
     p add-loc int
     p dump /dev/null
     set channel [open $::file]

@@ -58,9 +58,15 @@ TEST(PrintedPrograms, MayLackAlmostEverything) {
   EcPrg& prg = program.prg;
   prg.add_usr_func(program.symbol("f"), prg.int_type, prg.int_type, nullptr, nullptr);
   prg.add_output(program.symbol("%d"), prg.int_type, -1, 0);
+  // Names that are declared again as something else stay where they were.
+  prg.add_output(program.symbol("g"), prg.int_type, prg.true_clock, 0);
+  prg.add_assertion(prg.true_exp);
+  for (const char* name : {"g", "__assert_0"})
+    prg.add_usr_func(program.symbol(name), prg.int_type, prg.int_type, nullptr, nullptr);
+  prg.functions->next = nullptr;
   EXPECT_EQ(
-      "\nfunction f ()\nreturns ();\n\nnode ?( \n) returns (\n   ( %d : int ) when ?\n);\n\n"
-      "let\ntel.",
+      "\nfunction f ()\nreturns ();\n\nnode ?( \n) returns (\n   ( %d : int ) when ?;\n"
+      "   ( g : ? ) when ?\n);\n\nlet\ntel.",
       ec(program));
 }
 
