@@ -66,6 +66,7 @@ TEST_F(Messages, TheWheelTurnsOnATerminalOnly) {
   const int kept = dup(STDERR_FILENO);
   dup2(end, STDERR_FILENO);
   for (const int period : {1, 1, 1, 1, 1, 2, 2, 2}) VerboseWheel(period);  // calls left out
+  EXPECT_EQ(0, WHEEL_STEP);
   dup2(kept, STDERR_FILENO);
   std::string text;
   for (char turn[2]; text.size() < 8 && read(terminal, turn, 2) == 2;) text.append(turn, 2);

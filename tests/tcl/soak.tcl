@@ -5,12 +5,13 @@
 #   TAMSEL_LIBRARY=build/release/libdorvik.so TAMSEL_SOURCE=$PWD QUAREL_INSTALL=$PWD
 #   scripts/with-display.sh tclsh8.6 tests/tcl/soak.tcl 100000
 
-load $env(TAMSEL_LIBRARY)
+load $env(TAMSEL_LIBRARY) Dorvikbatch
 set is_sanitized [info exists env(LD_PRELOAD)]
 set cycles [expr {$argc > 0 ? [lindex $argv 0] : 1000}]
 set file [file join $env(TAMSEL_SOURCE) examples elevator.ec]
 set source [info script]
 set written [open /dev/null w]
+set long [string repeat x 2000]
 
 # One handle for the whole life: expressions that stay are printed and typed over and over.
 ecprg kept
@@ -39,8 +40,21 @@ proc cycle {i} {
     }
     p exp-type "($i, true)"
     if {$i % 2} {rename p {}}
-    set timer [add_timer 60000 {}]
-    abort_timer $timer
+    # Long, so that one reference too many is seen.
+    ecprg $::long
+    rename $::long {}
+    catch {kept load /nosuch/$::long}
+    sigint "puts $::long"
+    add_timer 1 "set ::fired 1 ;# $::long"
+    vwait ::fired
+    abort_timer [add_timer 60000 $::long]
+    # An object that Tcl throws away without a word goes with its interpreter.
+    if {$i % 10 == 0} {
+        interp create c
+        load $::env(TAMSEL_LIBRARY) Dorvikbatch c
+        c eval {ecprg p; trace add command p delete {apply {args {ecprg p}}}; proc p {} {}}
+        interp delete c
+    }
     kept exp-type $::handle
     kept exp-type "[string repeat {pre } 100]a"
 }
@@ -54,7 +68,7 @@ for {set tenth 1} {$tenth <= 10} {incr tenth} {
     set descriptors [llength [glob /proc/self/fd/*]]
     puts "[expr {$tenth * $cycles / 10}] cycles: $memory kB, $descriptors descriptors"
     if {$tenth == 2} {
-        set limit [expr {$memory + $memory / 50}]
+        set limit [expr {$memory + 256}]
         set open $descriptors
     }
     if {$tenth > 2 && ((!$is_sanitized && $memory > $limit) || $descriptors > $open)} {set grown 1}
