@@ -8,7 +8,7 @@ set -euo pipefail
 
 seconds=${1:-20}
 targets=("${@:2}")
-((${#targets[@]} > 0)) || targets=(file expression roundtrip commands)
+((${#targets[@]} > 0)) || targets=(calls file expression roundtrip commands)
 if ! [[ $seconds =~ ^[1-9][0-9]*$ ]]; then
   echo "usage: fuzz.sh [SECONDS [TARGET...]]" >&2
   exit 2

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <sstream>
 #include <utility>
+#include <vector>
 
 #include "tests/allocations.h"
+#include "tests/calls.h"
 #include "tests/compare.h"
 #include "tests/generator.h"
 
@@ -136,6 +139,18 @@ TEST_F(Properties, DeletingAProgramReturnsEverything) {
       program.prg.exp_parse((expression + " + nosuch").c_str());
     }
     ASSERT_EQ(before, live_allocations) << text;
+  }
+}
+
+TEST(Calls, DoWhatTheirModelsSay) {
+  std::mt19937 random(1);
+  std::vector<uint8_t> bytes(3000);
+  for (unsigned round = 0; round < 90; ++round) {
+    for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random() >> 8);
+    bytes[0] = static_cast<uint8_t>(round);  // each of the kinds in turn
+    const long before = live_allocations;
+    ASSERT_NO_THROW(play_calls(bytes.data(), bytes.size())) << round;
+    ASSERT_EQ(before, live_allocations) << round;
   }
 }
 

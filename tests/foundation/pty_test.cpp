@@ -37,27 +37,6 @@ TEST(PtyStream, BreaksAndIndentsLines) {
   }
 }
 
-// However many bytes come together: a block ends anywhere among them.
-TEST(PtyStream, WritesTheSameInBlocksAndInRuns) {
-  const PieceRun run = {")", "", "and", "("};
-  const auto text = [&](bool in_blocks, bool in_runs) {
-    return written([&](PtyStream* stream) {
-      if (in_blocks) stream->write_in_blocks();
-      for (int i = 0; i < 30000; ++i) {
-        stream->put_text(&"a name or \f two\n"[i % 17]);
-        if (in_blocks && i == 100) stream->write_in_blocks();  // again, and nothing is lost
-        if (in_runs)
-          stream->put(run);
-        else
-          for (const char* piece : {")", "and", "("}) stream->put_text(piece);
-      }
-    });
-  };
-  const std::string expected = text(false, false);
-  EXPECT_EQ(expected, text(false, true));
-  EXPECT_TRUE(expected == text(true, false) && expected == text(true, true));
-}
-
 TEST(PtyStream, WarnsOfOneUntabTooMany) {
   EXPECT_EQ("PtyStream::untab : unbalanced untab\n", stderr_of([] {
               EXPECT_EQ("\nx", written([](PtyStream* stream) {

@@ -48,16 +48,3 @@ TEST(TextIndex, FindsTheOthersWhenOneIsTakenOut) {
     EXPECT_EQ(0, all.find("none of these", keys.back()));
   }
 }
-
-// Short texts are told apart by their keys alone.
-TEST(TextIndex, KeepsAShortTextInItsKey) {
-  const std::vector<std::string> texts = {"",        "a",        "aa",      "ab",     "aba",
-                                          "aab",     "abab",     "ababa",   "abcbab", "abccbab",
-                                          "aaaaaaa", "aaaaaaaa", "aaabaaaa"};
-  const TextIndex index;
-  for (const std::string& a : texts)
-    for (const std::string& b : texts) {
-      const TextKey x = index.key(a.c_str(), a.size()), y = index.key(b.c_str(), b.size());
-      EXPECT_EQ(a == b, x.word == y.word && x.length == y.length) << a << " " << b;
-    }
-}

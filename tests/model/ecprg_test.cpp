@@ -30,7 +30,6 @@ TEST(EcPrg, RanksWhatItDeclares) {
       "const k : token; red2 : color;"
       "function f(a : int) returns (b : int) function p(a : int) returns (b : int; c : int)"
       "function h(a : int; b : bool) returns (c : color)"
-      "function p2(a : int) returns (b : int; c : int)"
       "node n(x, y : int; z : bool) returns (o, q : int); var l, m : bool; let tel");
   const struct {
     const char* name;
@@ -63,26 +62,8 @@ TEST(EcPrg, RanksWhatItDeclares) {
   EXPECT_EQ("red2", names(program, color->constants));
   EXPECT_EQ("red green blue k red2", names(program, program.prg.constants));
   EXPECT_EQ("f h", names(program, program.prg.functions));
-  EXPECT_EQ("p p2", names(program, program.prg.tuple_functions));
-  for (const char* name : {"f", "h", "p", "p2"})
-    EXPECT_EQ(*name == 'h' || name[1] == '2', program.prg.function(program.symbol(name))->index)
-        << name;
+  EXPECT_EQ("p", names(program, program.prg.tuple_functions));
   EXPECT_EQ("a int b bool", names(program, program.prg.function(program.symbol("h"))->params));
-  // What stands nowhere in its enumeration is a constant all the same.
-  for (const int rank : {-1, 0, 3})
-    program.prg.add_enum_const(program.symbol("late"), rank == 0 ? nullptr : color, 1, rank);
-  EXPECT_EQ(3, color->nb_enum);
-  EXPECT_EQ(program.ident("blue"), color->enum_const(0));
-  EXPECT_EQ(7, program.ident("late")->value);
-}
-
-TEST(EcPrg, PutsOutputsInFrontWhereAsked) {
-  Program program;
-  for (const char* name : {"+a", "<b", "<c", "+d"})
-    program.prg.add_output(program.symbol(name + 1), program.prg.int_type, program.prg.true_clock,
-                           *name == '<');
-  EXPECT_EQ("c b a d", names(program, program.prg.outputs));
-  EXPECT_EQ(2, program.ident("c")->order);
 }
 
 TEST(EcPrg, MakesAConstantOnceAndReadsItsValue) {
@@ -103,27 +84,13 @@ TEST(EcPrg, MakesAConstantOnceAndReadsItsValue) {
   EXPECT_EQ(nullptr, program.prg.constants);
 }
 
-TEST(EcPrg, KeepsOneObjectForAType) {
+TEST(EcPrg, SaysWhichTypeIsUnknownOrThereTwice) {
   Program program;
-  EcPrg& prg = program.prg;
-  const int pair[] = {program.symbol("int"), program.symbol("bool")};
-  auto* list = new IntList(pair, 2);
-  EcType* type = prg.define_type(list);
-  EXPECT_EQ(list, type->members);  // taken
-  IntList again(pair, 2), single(pair, 1), unknown(&prg.true_clock, 1);
-  EXPECT_EQ(type, prg.define_type(&again));
-  EXPECT_EQ(type, prg.define_type(pair, 2));
-  EXPECT_EQ(prg.int_type, prg.define_type(&single));
-  EXPECT_EQ(pair[1], type->member(2));
-  EXPECT_EQ(0, type->member(3));
-
-  const int known = prg.nb_user_types;
-  EXPECT_EQ(nullptr, prg.define_type(&unknown));
+  EXPECT_EQ(nullptr, program.prg.define_type(&program.prg.true_clock, 1));
   EXPECT_EQ("EcPrg: type 'true' undeclared", program.message());
-  prg.add_usr_type(pair[1], &again);
+  program.prg.add_usr_type(program.symbol("bool"));
   EXPECT_EQ("type 'bool' already declared", program.message());
-  EXPECT_EQ(known, prg.nb_user_types);
-  EXPECT_EQ(nullptr, prg.define_type(nullptr));
+  EXPECT_EQ(nullptr, program.prg.define_type(nullptr));
 }
 
 TEST(EcType, ReportsQuestionsToTheWrongKind) {

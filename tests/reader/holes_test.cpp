@@ -98,19 +98,6 @@ TEST(Holes, InTypesReachExpressions) {
   }
 }
 
-TEST(Holes, KeepReplacedConstantsOfAnEnumeration) {
-  Program program("type t = (c, d, c); node n(d : int) returns (y : int); let tel");
-  EcType* type = program.prg.get_named_type(program.symbol("t"));
-  for (int rank = 0; rank < 3; ++rank) {
-    const IdentInfo* constant = type->enum_const(rank);
-    ASSERT_NE(nullptr, constant);
-    EXPECT_EQ(program.symbol(rank == 1 ? "d" : "c"), constant->name);
-    EXPECT_EQ(type, constant->type);
-  }
-  EXPECT_NE(program.ident("c"), type->enum_const(2));
-  EXPECT_EQ(program.prg.int_type, program.ident("d")->type);
-}
-
 // An equation or assertion gives its type and clock to its right side; but leaves are shared.
 TEST(Equations, LeaveLeavesAsDeclared) {
   Program program(

@@ -93,19 +93,3 @@ TEST(RefusedExpressions, LeaveNothing) {
   EXPECT_EQ("((i, 1))=((j, 2))", stdout_text([&] { prg.print_exp(kept); }));
   EXPECT_LT(500, refused);
 }
-
-// Also those that are made in the text that is then refused.
-TEST(RefusedExpressions, TakeTheirTupleTypesBack) {
-  Program program;
-  EcPrg& prg = program.prg;
-  for (std::string tuple = "1, true"; tuple.size() < 100; tuple += ", true") {
-    EcType* const newest = prg.types;
-    EXPECT_EQ(nullptr, prg.exp_parse(("(" + tuple + ") = (" + tuple + ") and not 1").c_str()));
-    EXPECT_EQ("type error: bad 'NOT_n' operands", program.message());
-    EXPECT_EQ(newest, prg.types) << tuple;
-    Exp* again = prg.exp_parse(("(" + tuple + ")").c_str());
-    ASSERT_NE(nullptr, again) << tuple;
-    EXPECT_EQ(prg.types, again->type) << tuple;
-    EXPECT_EQ(newest, prg.types->next) << tuple;
-  }
-}

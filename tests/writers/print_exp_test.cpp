@@ -91,7 +91,7 @@ TEST(PrintedExpressions, CoverWhatCallersBuild) {
        "Exp::Iprint_def : 'INPUT_n' Exp must have an identifier"},
       {w.nameless(MODELREF_n), "", "Exp::print_def : 'MODELREF_n' Exp must have an identifier",
        "Exp::Iprint_def : 'MODELREF_n' Exp must have an identifier"},
-      {w.node(NOT_n, w.nameless(ERROR_n)), "not()", "print_def 'ERROR_n' is not implemented",
+      {w.node(NOT_n, w.node(ERROR_n, w("a"))), "not()", "print_def 'ERROR_n' is not implemented",
        "Exp::Iprint_def 'ERROR_n' is not implemented"},
   };
   for (const auto& row : rows) {

@@ -1,0 +1,457 @@
+#include "tests/calls.h"
+
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+#include <vector>
+
+#include "tests/compare.h"
+
+namespace {
+
+void require(bool holds, const char* what) {
+  if (!holds) throw std::logic_error(what);
+}
+
+// The bytes of an input as numbers; 0 where they have ended.
+class Choices {
+ public:
+  Choices(const uint8_t* data, size_t size) : at_(data), end_(data + size) {}
+
+  bool left() const { return at_ != end_; }
+  int below(int n) { return at_ == end_ ? 0 : *at_++ % n; }
+  bool yes() { return below(2) == 1; }
+  // Short texts of few letters, and now and then one that nearly fills a page or a block.
+  std::string text(const std::string& letters) {
+    std::string text;
+    for (int length = below(12); length > 0; --length)
+      text += letters[static_cast<size_t>(below(static_cast<int>(letters.size())))];
+    static const size_t lengths[] = {100, 1500, 16375, 65500};
+    return below(16) == 15 ? text + std::string(lengths[below(4)], 'x') : text;
+  }
+
+ private:
+  const uint8_t* at_;
+  const uint8_t* end_;
+};
+
+// --- A symbol table is a list of texts.
+
+void call_symbols(Choices choices) {
+  SymbolTable table;
+  std::vector<std::string> names;
+  while (choices.left()) {
+    const std::string text = choices.text("\x7f\x80\xff");
+    const auto found = std::find(names.begin(), names.end(), text);
+    const int known = found == names.end() ? 0 : static_cast<int>(found - names.begin()) + 1;
+    const int expected = known != 0 ? known : static_cast<int>(names.size()) + 1;
+    int number = -1;
+    switch (choices.below(4)) {
+      case 0:
+        require(table.find_text(text.c_str()) == known, "a name is found");
+        continue;
+      case 1:
+        require(table.find_then_get(&number, "%s", text.c_str()) == (known != 0) &&
+                    number == (known != 0 ? known : -1),
+                "a name is found, then got");
+        continue;
+      case 2:
+        names.resize(std::min(names.size(), static_cast<size_t>(choices.below(256))));
+        table.cut_back(static_cast<int>(names.size()));
+        break;
+      default:
+        require(
+            table.find_then_add(&number, "%s", text.c_str()) == (known != 0) && number == expected,
+            "a name is found, then added");
+        if (known == 0) names.push_back(text);
+    }
+    require(table.nb_symbols == static_cast<int>(names.size()), "names are counted");
+    table.init_iterate();
+    for (const std::string& name : names) require(table.iterate() == name, "names stay");
+    std::vector<bool> taken(static_cast<size_t>(table.tape->hash_size));
+    for (const std::string& name : names)
+      taken[static_cast<size_t>(table.tape->hash_code(name.c_str()))] = true;
+    require(table.tape->occupied == std::count(taken.begin(), taken.end(), true),
+            "buckets are counted");
+  }
+}
+
+// --- A stream is a text and a column.
+
+class SlowStream {
+ public:
+  SlowStream(int width, const std::string& tab) : width_(width), tab_(tab) {}
+
+  void piece(const std::string& text) {
+    column += static_cast<int>(text.size());
+    if (column >= width_) {
+      written += '\n';
+      column = static_cast<int>(text.size());
+    }
+    written += text;
+  }
+  void end_line(bool indented) {
+    written += '\n';
+    column = 0;
+    for (int i = 0; indented && i < depth; ++i, column += static_cast<int>(tab_.size()))
+      written += tab_;
+  }
+  void put(const std::string& text) {
+    std::string rest;
+    for (const char c : text) {
+      if (c != '\n' && c != '\f') {
+        rest += c;
+        continue;
+      }
+      piece(rest);
+      rest.clear();
+      end_line(c == '\n');
+    }
+    if (!rest.empty()) piece(rest);
+  }
+
+  std::string written;
+  int column = 0;
+  int depth = 0;
+
+ private:
+  const int width_;
+  const std::string tab_;
+};
+
+void call_stream(Choices choices) {
+  const int width = choices.below(100);
+  const std::string tab(static_cast<size_t>(choices.below(6)), '.');
+  SlowStream slow(width, tab);
+  TmpPtyStream stream(width, tab.c_str());
+  const PieceRun run = {") ", "", "and", "("};
+  while (choices.left()) {
+    switch (choices.below(8)) {
+      case 0:
+        stream.tab();
+        ++slow.depth;
+        break;
+      case 1:
+        if (slow.depth == 0) break;
+        stream.untab();
+        --slow.depth;
+        break;
+      case 2:
+        stream.cr();
+        slow.end_line(true);
+        break;
+      case 3:
+        stream.lf();
+        slow.end_line(false);
+        break;
+      case 4:
+        for (const char* piece : {") ", "and", "("}) slow.piece(piece);
+        stream.put(run);
+        break;
+      case 5:
+        slow.piece("function ");
+        stream.put_literal("function ");
+        break;
+      case 6:
+        if (choices.yes()) {
+          stream.write_in_blocks();
+        } else {
+          std::fputc('!', stream.direct_file());
+          slow.written += '!';
+        }
+        break;
+      default: {
+        const std::string text = choices.text("a \n\f%");
+        stream.put("%s", text.c_str());
+        slow.put(text);
+      }
+    }
+    require(stream.column == slow.column, "the column is that of the model");
+  }
+  const std::string copy = written([&](PtyStream* out) { out->put(&stream); });
+  require(copy == slow.written, "the text is that of the model");
+}
+
+// --- A registry is a map of records, and lists of names.
+
+struct Record {
+  bool is_function = false;
+  IdentMode mode = INPUT_mode;
+  EcType* type = nullptr;
+  int order = -1;  // of a function its index
+  int value = 0;
+  bool defined = true;
+  bool in_tuple = false;
+};
+
+struct List {
+  IntList* EcPrg::*names;
+  int EcPrg::*count;
+  std::vector<int> expected;
+};
+
+class Registry {
+ public:
+  explicit Registry(Choices choices) : choices_(choices) {
+    for (const char* name : {"a", "b", "c", "d", "e", "f", "7", "08", "__assert_0", "__assert_1"})
+      names_.push_back(symbols_.add_text(name));
+    for (const char* name : {"bool", "int", "real"})
+      named_[names_.emplace_back(symbols_.add_text(name))] =
+          prg_.get_named_type(symbols_.add_text(name));
+    for (const auto& [name, type] : named_) types_.push_back(type);
+  }
+  void play() {
+    for (int calls = 0; choices_.left() && calls < 1000; ++calls) {
+      call();
+      compare();
+    }
+  }
+
+ private:
+  // The first four as in IdentMode.
+  enum { INPUTS, OUTPUTS, LOCALS, CONSTANTS, FUNCTIONS, TUPLE_FUNCTIONS, ASSERTIONS, TYPES };
+
+  int name() {
+    return names_[static_cast<size_t>(choices_.below(static_cast<int>(names_.size())))];
+  }
+  std::vector<int> some_names() {
+    std::vector<int> some;
+    for (int left = 1 + choices_.below(4); left > 0; --left) some.push_back(name());
+    return some;
+  }
+  EcType* type() {
+    return types_[static_cast<size_t>(choices_.below(static_cast<int>(types_.size())))];
+  }
+  static IntList* list_of(const std::vector<int>& values) {
+    return new IntList(values.data(), static_cast<int>(values.size()));
+  }
+  // Enters `name` into a list and returns its place there.
+  int enter(int list, int name, bool at_front = false) {
+    std::vector<int>& expected = lists_[list].expected;
+    expected.insert(at_front ? expected.begin() : expected.end(), name);
+    return static_cast<int>(expected.size()) - 1;
+  }
+  Record& declare(int name, IdentMode mode, EcType* type) {
+    Record& record = records_[name] = Record();
+    record.mode = mode;
+    record.type = type;
+    return record;
+  }
+  bool is_definable(int name) const {
+    const auto record = records_.find(name);
+    return record != records_.end() && !record->second.is_function &&
+           record->second.mode != ASSERT_mode;
+  }
+
+  void call() {
+    const int symbol = name();
+    EcType* const its_type = type();
+    const int clock = prg_.true_clock;
+    switch (const int kind = choices_.below(13); kind) {
+      case INPUTS:
+      case OUTPUTS:
+      case LOCALS:
+      case CONSTANTS: {
+        const bool at_front = kind == OUTPUTS && choices_.yes();
+        if (kind == INPUTS) prg_.add_input(symbol, its_type, clock);
+        if (kind == OUTPUTS) prg_.add_output(symbol, its_type, clock, at_front);
+        if (kind == LOCALS) prg_.add_local(symbol, its_type, clock);
+        if (kind == CONSTANTS) prg_.add_usr_const(symbol, its_type, clock);
+        Record& record = declare(symbol, static_cast<IdentMode>(kind), its_type);
+        (kind == CONSTANTS ? record.value : record.order) = enter(kind, symbol, at_front);
+        record.defined = kind == INPUTS || kind == CONSTANTS;
+        break;
+      }
+      case 4: {
+        prg_.add_usr_func(symbol, type(), its_type, nullptr, nullptr);
+        Record& record = declare(symbol, INPUT_mode, its_type);
+        record.is_function = true;
+        const bool several = its_type != nullptr && its_type->is_tuple;
+        record.order = enter(several ? TUPLE_FUNCTIONS : FUNCTIONS, symbol);
+        break;
+      }
+      case 5:
+        declare_type(symbol);
+        break;
+      case 6:
+        define_type(some_names());
+        break;
+      case 7: {
+        const bool good = is_definable(symbol);
+        const bool replaces = good && !records_[symbol].in_tuple;
+        require((prg_.define_ident(symbol, prg_.nil_exp) != nullptr) == replaces, "an equation");
+        if (good) records_[symbol].defined = true;
+        break;
+      }
+      case 8:
+        define_tuple(some_names());
+        break;
+      case 9: {
+        const std::string generated =
+            "__assert_" + std::to_string(lists_[ASSERTIONS].expected.size());
+        prg_.add_assertion(prg_.true_exp);
+        const int number = symbols_.find_text(generated.c_str());
+        require(number != 0, "an assertion has a name");
+        declare(number, ASSERT_mode, prg_.bool_type);
+        enter(ASSERTIONS, number);
+        break;
+      }
+      case 10:
+        make_literal(symbol, true);
+        break;
+      case 11: {
+        const int rank = choices_.below(6) - 1;
+        prg_.add_enum_const(symbol, its_type, clock, rank);
+        Record& record = declare(symbol, ENUM_CONST_mode, its_type);
+        record.order = rank;
+        record.value = enter(CONSTANTS, symbol);
+        break;
+      }
+      default: {
+        const EcPrg::Mark before = prg_.mark();
+        for (const int literal : some_names()) make_literal(literal, false);
+        Exp* operands[] = {prg_.true_exp, prg_.nil_exp};
+        prg_.exp_heap.node(AND_n, 2, operands)->put_info(1, this);
+        prg_.enter(new Exp(NOT_n, prg_.nil_exp))->put_info(1, this);
+        std::vector<int> members = some_names();
+        if (members.size() > 1) prg_.define_type(members.data(), static_cast<int>(members.size()));
+        prg_.roll_back(before);
+        require(prg_.exp_heap.size() == before.expressions.size, "nodes are taken back");
+        require(prg_.types == before.types, "types are taken back");
+      }
+    }
+  }
+
+  void declare_type(int symbol) {
+    const std::vector<int> constants = some_names();
+    const bool is_new = named_.count(symbol) == 0, is_enum = choices_.yes();
+    if (is_enum) {
+      const std::unique_ptr<IntList> list(list_of(constants));
+      prg_.add_usr_type(symbol, list.get());
+    } else {
+      prg_.add_usr_type(symbol);
+    }
+    if (!is_new) return;
+    EcType* made = prg_.types;
+    require(made != nullptr && !made->is_tuple && made->name == symbol, "a type has its name");
+    require(made->number == enter(TYPES, symbol) + 1, "types are ranked");
+    types_.push_back(named_[symbol] = made);
+    int rank = static_cast<int>(constants.size());
+    for (const int constant : constants) {
+      if (!is_enum) break;
+      Record& record = declare(constant, ENUM_CONST_mode, made);
+      record.order = --rank;
+      record.value = enter(CONSTANTS, constant);
+      require(made->enum_const(rank)->name == constant, "constants stand by rank");
+    }
+  }
+
+  void define_type(const std::vector<int>& members) {
+    std::unique_ptr<IntList> list(list_of(members));
+    EcType* found = prg_.define_type(list.get());
+    if (members.size() == 1) {
+      const auto named = named_.find(members[0]);
+      require(found == (named != named_.end() ? named->second : nullptr), "one name is that type");
+      return;
+    }
+    EcType*& known = tuples_[members];
+    require(found != nullptr && (known == nullptr || known == found), "a tuple is made once");
+    require((found->members == list.get()) == (known == nullptr), "a list is taken once");
+    if (known != nullptr) return;
+    list.release();
+    types_.push_back(known = found);
+    for (size_t i = 0; i <= members.size(); ++i)
+      require(found->member(static_cast<int>(i) + 1) == (i < members.size() ? members[i] : 0),
+              "members stand in order");
+  }
+
+  void define_tuple(const std::vector<int>& defined) {
+    bool good = true;
+    for (size_t i = 0; i < defined.size(); ++i)
+      good = good && is_definable(defined[i]) && !records_[defined[i]].defined &&
+             std::count(defined.begin(), defined.end(), defined[i]) == 1;
+    const IdentInfo* last = prg_.define_tuple(list_of(defined), prg_.nil_exp);
+    require(last == (good ? prg_.ident(defined.back()) : nullptr), "a tuple equation");
+    for (size_t i = 0; good && i < defined.size(); ++i) {
+      records_[defined[i]].defined = records_[defined[i]].in_tuple = true;
+      require(prg_.ident(defined[i])->definition->projection_order() == static_cast<int>(i) + 1,
+              "its projections are ranked");
+    }
+  }
+
+  void make_literal(int symbol, bool stays) {
+    const IdentInfo* known = prg_.ident(symbol);
+    Exp* leaf = prg_.get_int_const(symbol);
+    require(known == nullptr || leaf == known->ident_exp, "a leaf is made once");
+    if (known != nullptr || !stays) return;
+    declare(symbol, INT_CONST_mode, prg_.int_type).value = std::atoi(symbols_.name(symbol));
+  }
+
+  void compare() {
+    for (const int symbol : names_) {
+      const auto found = records_.find(symbol);
+      const IdentInfo* ident = prg_.ident(symbol);
+      const FuncInfo* function = prg_.function(symbol);
+      if (found == records_.end()) {
+        require(ident == nullptr && function == nullptr, "what is not declared has no record");
+        continue;
+      }
+      const Record& record = found->second;
+      require(
+          (function != nullptr) == record.is_function && (ident != nullptr) != record.is_function,
+          "a record is of its kind");
+      if (function != nullptr) {
+        require(function->index == record.order && function->result_type == record.type,
+                "functions are ranked");
+        continue;
+      }
+      require(ident->mode == record.mode && ident->type == record.type &&
+                  ident->order == record.order && ident->value == record.value,
+              "an identifier is as declared");
+      require((ident->definition != nullptr) == record.defined &&
+                  (ident->tuple_names != nullptr) == record.in_tuple,
+              "and as defined");
+    }
+    for (const List& list : lists_) {
+      const IntList* cell = prg_.*list.names;
+      for (const int expected : list.expected) {
+        require(cell != nullptr && cell->value == expected, "lists have their names in order");
+        cell = cell->next;
+      }
+      require(cell == nullptr && prg_.*list.count == static_cast<int>(list.expected.size()),
+              "and are counted");
+    }
+  }
+
+  Choices choices_;
+  LoadedProgram program_;
+  EcPrg& prg_ = program_.prg;
+  SymbolTable& symbols_ = program_.symbols;
+  std::vector<int> names_;  // that calls mention
+  std::map<int, Record> records_;
+  std::map<int, EcType*> named_;
+  std::map<std::vector<int>, EcType*> tuples_;
+  std::vector<EcType*> types_ = {nullptr};
+  List lists_[8] = {{&EcPrg::inputs, &EcPrg::nb_inputs, {}},
+                    {&EcPrg::outputs, &EcPrg::nb_outputs, {}},
+                    {&EcPrg::locals, &EcPrg::nb_locals, {}},
+                    {&EcPrg::constants, &EcPrg::nb_constants, {}},
+                    {&EcPrg::functions, &EcPrg::nb_functions, {}},
+                    {&EcPrg::tuple_functions, &EcPrg::nb_tuple_functions, {}},
+                    {&EcPrg::assertions, &EcPrg::nb_assertions, {}},
+                    {&EcPrg::user_types, &EcPrg::nb_user_types, {}}};
+};
+
+}  // namespace
+
+void play_calls(const uint8_t* data, size_t size) {
+  Choices choices(data, size);
+  switch (choices.below(3)) {
+    case 0:
+      return call_symbols(choices);
+    case 1:
+      return call_stream(choices);
+    default:
+      Registry(choices).play();
+  }
+}
