@@ -22,11 +22,14 @@ class ClockFinder : public ExpVisitor {
     first_.push_back(found_.size());
     return true;
   }
-  void leave(Exp* exp, Exp*) {
+  void leave(Exp* exp, Exp* parent) {
     if (failed_) return;
     const size_t first = first_.back();
     first_.pop_back();
-    const int clock = clock_of(exp, first);
+    // The members of a tuple that a call takes are its arguments.
+    const bool is_arguments =
+        exp->nature == TUPLE_n && parent != nullptr && parent->nature == CALL_n;
+    const int clock = clock_of(is_arguments ? parent : exp, first);
     found_.resize(first);
     found_.push_back(clock);
   }

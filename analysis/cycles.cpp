@@ -91,9 +91,10 @@ std::vector<size_t> components_of(const Needs& needs) {
   return component;
 }
 
-// The names on a shortest way from `start` back to it, within its component.
+// The names on a shortest way from `start` back to it, within its component; through another
+// equation where it is not alone there.
 std::vector<int> loop_through(const Needs& needs, const std::vector<size_t>& component,
-                              size_t start, std::vector<size_t>* reached_by) {
+                              bool is_alone, size_t start, std::vector<size_t>* reached_by) {
   std::vector<size_t> queue = {start};
   std::vector<size_t>& edge_to = *reached_by;  // none: not reached
   for (size_t head = 0; head < queue.size(); ++head) {
@@ -101,6 +102,7 @@ std::vector<int> loop_through(const Needs& needs, const std::vector<size_t>& com
     for (size_t e = needs.first[i]; e < needs.first[i + 1]; ++e) {
       const size_t to = needs.edges[e].to;
       if (component[to] != component[start] || edge_to[to] != none) continue;
+      if (i == start && to == start && !is_alone) continue;
       edge_to[to] = e;
       if (to != start) {
         queue.push_back(to);
@@ -129,13 +131,16 @@ std::vector<int> loop_through(const Needs& needs, const std::vector<size_t>& com
 std::vector<Cycle> cycles_of(EcPrg* prg, const std::vector<Equation>& equations) {
   const Needs needs(prg, equations);
   const std::vector<size_t> component = components_of(needs);
+  std::vector<size_t> members(equations.size());  // of each component
+  for (const size_t c : component) ++members[c];
   std::vector<size_t> cycle_of(equations.size(), none);  // of each component
   std::vector<size_t> reached_by(equations.size(), none);
   std::vector<Cycle> cycles;
   for (size_t i = 0; i < equations.size(); ++i) {
     size_t& cycle = cycle_of[component[i]];
     if (cycle == none) {
-      std::vector<int> loop = loop_through(needs, component, i, &reached_by);
+      const bool is_alone = members[component[i]] == 1;
+      std::vector<int> loop = loop_through(needs, component, is_alone, i, &reached_by);
       if (loop.empty()) continue;  // alone, and does not need itself
       cycle = cycles.size();
       cycles.push_back({{}, std::move(loop)});

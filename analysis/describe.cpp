@@ -1,5 +1,7 @@
 #include "analysis/describe.h"
 
+#include <unordered_set>
+
 #include "analysis/equations.h"
 #include "model/walk.h"
 
@@ -105,12 +107,17 @@ bool describe(EcPrg* prg, int symbol, Description* description) {
   return true;
 }
 
-std::vector<int> constants_of(const EcType* type) {
+std::vector<int> constants_of(EcPrg* prg, const EcType* type) {
   std::vector<int> names;
   for (int rank = 0; rank < type->nb_enum; ++rank)
     if (type->enum_consts[rank] != nullptr) names.push_back(type->enum_consts[rank]->name);
-  for (const IntList* cell = type->constants; cell != nullptr; cell = cell->next)
-    names.push_back(cell->value);
+  std::unordered_set<int> seen;
+  for (const IntList* cell = type->constants; cell != nullptr; cell = cell->next) {
+    const IdentInfo* constant = prg->ident(cell->value);  // may be another since
+    if (constant != nullptr && constant->mode == USR_CONST_mode && constant->type == type &&
+        seen.insert(cell->value).second)
+      names.push_back(cell->value);
+  }
   return names;
 }
 

@@ -46,8 +46,9 @@ Description describe_as(EcPrg* prg, int symbol, NameKind kind);
 // is declared under it.
 bool describe(EcPrg* prg, int symbol, Description* description);
 
-// The names of a type's constants, of an enumeration in order of rank.
-std::vector<int> constants_of(const EcType* type);
+// The names of a type's constants: of an enumeration its values in order of rank, then those that
+// are declared of the type.
+std::vector<int> constants_of(EcPrg* prg, const EcType* type);
 
 // One node of an expression.
 struct TreeNode {

@@ -29,7 +29,7 @@ class ExpressionText {
   template <class Write>
   const std::string& written(Write write) {
     text_.clear();
-    stream_.column = 0;
+    stream_.restart();  // memory may have run out while the one before was written
     write(&stream_);
     stream_.flush();
     return text_;

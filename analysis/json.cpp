@@ -26,6 +26,7 @@ size_t character_length(std::string_view text) {
     if ((byte(i) & 0xC0) != 0x80) return 0;
   // Longer forms of shorter characters, and what lies behind the last.
   if (first == 0xE0 && byte(1) < 0xA0) return 0;
+  if (first == 0xED && byte(1) > 0x9F) return 0;  // half a character, as UTF-16 has them
   if (first == 0xF0 && byte(1) < 0x90) return 0;
   return first == 0xF4 && byte(1) > 0x8F ? 0 : length;
 }
@@ -109,19 +110,33 @@ class JsonWriter {
   bool is_first_ = true;  // of the items of a list
 };
 
-// A byte that is part of no character is taken for the character of that number.
+// The bytes that `text` (not empty) begins with and that are no character, as a number of 16 bits:
+// a byte alone, the character 0 as Tcl writes it, or half a character.
+unsigned take_escaped(std::string_view* text) {
+  const auto byte = [text](size_t i) { return static_cast<unsigned char>((*text)[i]); };
+  unsigned number = byte(0);
+  size_t length = 1;
+  if (text->substr(0, 2) == "\xC0\x80") {
+    number = 0;
+    length = 2;
+  } else if (number == 0xED && text->size() > 2 && (byte(1) & 0xE0) == 0xA0 &&
+             (byte(2) & 0xC0) == 0x80) {
+    number = 0xD000u | (byte(1) & 0x3Fu) << 6 | (byte(2) & 0x3Fu);
+    length = 3;
+  }
+  text->remove_prefix(length);
+  return number;
+}
+
 void JsonWriter::put_string(std::string_view text) {
   put("\"");
   while (!text.empty()) {
     const size_t length = character_length(text);
     const unsigned first = static_cast<unsigned char>(text[0]);
     if (length == 0 || first < ' ') {
-      // Tcl writes the character 0 as these two bytes.
-      const bool is_nul = text.substr(0, 2) == "\xC0\x80";
       char escape[8];
-      std::snprintf(escape, sizeof escape, "\\u%04x", is_nul ? 0 : first);
+      std::snprintf(escape, sizeof escape, "\\u%04x", take_escaped(&text));
       put(escape);
-      text.remove_prefix(is_nul ? 2 : 1);
       continue;
     }
     if (first == '"' || first == '\\') put("\\");
@@ -170,7 +185,7 @@ void JsonWriter::put_name(int symbol, NameKind kind) {
   put_member("line", described.line());
   put_member("equation-line", described.equation_line());
   if (described.rank() >= 0) put_member("rank", described.rank());
-  if (described.type != nullptr) put_names("constants", constants_of(described.type));
+  if (described.type != nullptr) put_names("constants", constants_of(prg_, described.type));
   if (described.function != nullptr) {
     put_parameters("params", parameters_of(described.function));
     put_parameters("results", results_of(described.function));

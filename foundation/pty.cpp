@@ -230,6 +230,13 @@ void PtyStream::flush() {
   }
 }
 
+void PtyStream::restart() {
+  column = 0;
+  if (text_ == nullptr) return;
+  cursor_ = block_.get();
+  room_ = block_size_;
+}
+
 int PtyStream::close() {
   flush();
   if (file == nullptr) return write_error_;

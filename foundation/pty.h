@@ -98,6 +98,8 @@ class PtyStream {
   // Copies what was written to `t` so far; its lines are indented at this stream's depth.
   void put(TmpPtyStream* t);
   void flush();
+  // Begins anew, in column 0: of a stream on a text, what it has not got yet is forgotten.
+  void restart();
   // From now on text is written in large blocks, for a file at which nobody looks before it is
   // closed, and beside the stream nothing may be written to it.
   void write_in_blocks();

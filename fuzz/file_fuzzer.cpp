@@ -1,6 +1,10 @@
-// Any text as a file: read, typed, clocked, written both ways, deleted. What a refused text leaves
-// in its program is put through the same.
+// Any text as a file: read, typed, clocked, written, checked and asked about, deleted. What a
+// refused text leaves in its program is put through the same.
 
+#include "analysis/check.h"
+#include "analysis/describe.h"
+#include "analysis/json.h"
+#include "analysis/users.h"
 #include "fuzz/fuzz.h"
 #include "tests/compare.h"
 
@@ -19,5 +23,20 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   prg.print_ec();
   quarel_text(&prg);
+
+  // The same once more for who only asks.
+  prg.silent = true;
+  std::string text;
+  tamsel::check(&prg, {std::begin(tamsel::finding_kinds), std::end(tamsel::finding_kinds)});
+  tamsel::write_json(&prg, &text);
+  const tamsel::Users users(&prg);
+  for (int symbol = 1; symbol <= program.symbols.nb_symbols; ++symbol) {
+    tamsel::ConeOptions options;
+    options.users = symbol % 2 == 0 ? &users : nullptr;
+    tamsel::cone_of(&prg, {symbol}, options);
+    tamsel::Description description;
+    if (!tamsel::describe(&prg, symbol, &description)) continue;
+    if (Exp* right = tamsel::right_side(description.ident)) tamsel::tree_of(&prg, right);
+  }
   return 0;
 }

@@ -142,10 +142,12 @@ FuncInfo* EcPrg::function(int symbol) {
 std::vector<int> EcPrg::declared_names(NameKind kind) {
   std::vector<int> names;
   const bool may_repeat = replaced_.size() > 0;
-  std::unordered_set<int> seen;
   const auto take = [&](const IntList* list, auto stands_here) {
+    std::unordered_map<int, const IntList*> last;  // where names that may be there again stand
+    for (const IntList* cell = list; may_repeat && cell != nullptr; cell = cell->next)
+      last[cell->value] = cell;
     for (; list != nullptr; list = list->next)
-      if (!may_repeat || (stands_here(list->value) && seen.insert(list->value).second))
+      if (!may_repeat || (last[list->value] == list && stands_here(list->value)))
         names.push_back(list->value);
   };
   const auto has_mode = [this](IdentMode mode) {

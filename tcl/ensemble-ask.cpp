@@ -134,7 +134,7 @@ int Question::describe_name() {
   dict.add(shared.equation_line).add(number(described.equation_line()));
   if (described.rank() >= 0) dict.add(shared.rank).add(number(described.rank()));
   if (described.type != nullptr)
-    dict.add(shared.constants).add(list_of(constants_of(described.type)));
+    dict.add(shared.constants).add(list_of(constants_of(prg_, described.type)));
   if (described.function != nullptr) {
     dict.add(shared.params).add(list_of(parameters_of(described.function)));
     dict.add(shared.results).add(list_of(results_of(described.function)));

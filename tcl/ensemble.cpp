@@ -109,7 +109,7 @@ static EcPrgVar* object_of(Tcl_Command command) {
 static Tcl_Command origin_of(Tcl_Interp* interp, Tcl_Obj* word) {
   const Value words[] = {Value("::namespace"), Value("origin"), Value(word)};
   Tcl_Obj* const call[] = {words[0].get(), words[1].get(), words[2].get()};
-  if (Tcl_EvalObjv(interp, 3, call, TCL_EVAL_GLOBAL) != TCL_OK) return nullptr;
+  if (Tcl_EvalObjv(interp, 3, call, 0) != TCL_OK) return nullptr;
   return Tcl_GetCommandFromObj(interp, Tcl_GetObjResult(interp));
 }
 

@@ -124,7 +124,7 @@ void call_stream(Choices choices) {
   const std::string tab(static_cast<size_t>(choices.below(6)), '.');
   SlowStream slow(width, tab);
   TmpPtyStream stream(width, tab.c_str());
-  const PieceRun run = {") ", "", "and", "("};
+  const tamsel::PieceRun run = {") ", "", "and", "("};
   while (choices.left()) {
     switch (choices.below(8)) {
       case 0:
@@ -156,7 +156,7 @@ void call_stream(Choices choices) {
         if (choices.yes()) {
           stream.write_in_blocks();
         } else {
-          std::fputc('!', stream.direct_file());
+          stream.put_uncounted("!");
           slow.written += '!';
         }
         break;

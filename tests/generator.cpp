@@ -4,6 +4,8 @@
 #include <ostream>
 #include <random>
 #include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -44,6 +46,8 @@ class Generator {
     for (const Equation& equation : equations_) write_equation(equation);
     for (int i = 0; options_.assertions && i <= options_.equations / 10; ++i) {
       around_ = 10 * i;
+      on_clock_ = false;
+      in_past_ = true;  // it may mention any variable
       out_ << "  assert ";
       write_expression(BOOL, options_.expression_size);
       out_ << ";\n";
@@ -91,8 +95,11 @@ class Generator {
     out_ << ");\n";
   }
 
-  void write_declaration(int number, bool may_be_clocked) {
-    const bool clocked = may_be_clocked && options_.clocks && one_in(4);
+  // `shares` the clock of the one declared before.
+  void write_declaration(int number, bool may_be_clocked, bool shares = false) {
+    const bool clocked =
+        shares ? clocked_[number - 1] : may_be_clocked && options_.clocks && one_in(4);
+    clocked_[number] = clocked;
     out_ << (clocked ? "  (" : "  ") << name(number) << " : " << type_names[type_of(number)];
     if (clocked) out_ << ") when " << name(clock());
   }
@@ -119,14 +126,22 @@ class Generator {
     const int outputs = 1 + variables / 5;
     for (int i = 0; i < variables; ++i) {
       if (i == outputs) out_ << ");\nvar\n";
-      write_declaration(i, true);
+      write_declaration(i, true, options_.sound && is_later_member(i));
       if (i + 1 != outputs && i + 1 != variables) out_ << ";\n";
     }
     out_ << (variables > outputs ? ";\n" : ");\n");
   }
 
+  // Whether the variable stands in a tuple equation, and not as the first.
+  bool is_later_member(int number) const {
+    const auto follows = [](int n, const Equation& equation) { return n < equation.first; };
+    return std::upper_bound(equations_.begin(), equations_.end(), number, follows)[-1].first !=
+           number;
+  }
+
   void write_equation(const Equation& equation) {
     around_ = equation.first;
+    on_clock_ = clocked_[equation.first];
     if (equation.function == nullptr) {
       out_ << "  " << name(equation.first) << " = ";
       write_expression(type_of(equation.first), options_.expression_size);
@@ -166,7 +181,27 @@ class Generator {
     // A variable within reach, or else an input of the type.
     const int variable = variable_within_reach();
     const int input = -(type == BOOL ? type_count_ : type) - (one_in(2) ? type_count_ : 0);
-    out_ << name(type_of(variable) == type ? variable : input);
+    const bool fits =
+        !options_.sound || (clocked_[variable] == on_clock_ && (in_past_ || variable < around_));
+    if (type_of(variable) == type && fits)
+      out_ << name(variable);
+    else if (!options_.sound || clocked_[input] == on_clock_)
+      out_ << name(input);
+    else if (on_clock_)
+      out_ << "(" << name(input) << " when " << name(clock()) << ")";
+    else
+      out_ << "(current " << name(input) << ")";
+  }
+
+  // From one clock to the other and back; what is written between keeps to its own.
+  void write_on_other_clock(int type, int size) {
+    const bool outer = std::exchange(on_clock_, !on_clock_);
+    out_ << (outer ? "((" : "(current (");
+    write_expression(type, size);
+    out_ << ")";
+    if (outer) out_ << " when " << name(clock());
+    out_ << ")";
+    on_clock_ = outer;
   }
 
   // In parentheses wherever precedence could matter. Recursion is as deep as `size` at most.
@@ -175,14 +210,19 @@ class Generator {
     --size;
     // What any type can have.
     switch (random(8)) {
-      case 0:
-        return write_parts(size, {{"pre (", type}, {")", -1}});
+      case 0: {
+        const bool outer = std::exchange(in_past_, true);
+        write_parts(size, {{"pre (", type}, {")", -1}});
+        in_past_ = outer;
+        return;
+      }
       case 1:
         return write_parts(size, {{"(", type}, {" -> ", type}, {")", -1}});
       case 2:
         return write_parts(size, {{"(if ", BOOL}, {" then ", type}, {" else ", type}, {")", -1}});
       case 3:
         if (!options_.clocks) break;
+        if (options_.sound) return write_on_other_clock(type, size);
         out_ << "current (";
         write_expression(type, size);
         out_ << " when " << name(clock()) << ")";
@@ -268,7 +308,10 @@ class Generator {
   int type_count_ = 0;
   std::vector<int> types_;  // of the variables
   std::vector<Equation> equations_;
-  int around_ = 0;  // the variable whose equation is being written
+  int around_ = 0;                         // the variable whose equation is being written
+  std::unordered_map<int, bool> clocked_;  // the variables and inputs that are, by number
+  bool on_clock_ = false;                  // where sound: what is being written runs on the clock
+  bool in_past_ = false;                   // within a `pre`
 };
 
 }  // namespace

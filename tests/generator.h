@@ -20,6 +20,7 @@ struct GeneratorOptions {
   bool types = true;   // abstract and enumerated types, with constants
   bool functions = true;
   bool assertions = true;
+  bool sound = false;  // clocks fit everywhere, and no equation needs itself now
 };
 
 void write_program(const GeneratorOptions& options, std::ostream& out);

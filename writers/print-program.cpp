@@ -184,7 +184,11 @@ void EcPrg::Printer::put_types_and_constants() {
   };
   const auto read_types = [&](size_t count) {
     for (; read < count; ++read) add(true, types[read]);
+    // Those without values go along: they are before no constant that they should be behind.
+    for (; read < types.size() && prg_->named_type(types[read])->nb_enum == 0; ++read)
+      add(true, types[read]);
   };
+  read_types(0);
   const auto place_of = [&](int symbol) {
     const auto known = place.find(symbol);
     return known != place.end() ? known->second : 0;

@@ -1,0 +1,266 @@
+// What holds for the answers about every program: generated ones, the samples, and what fuzzing
+// found.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "analysis/check.h"
+#include "analysis/describe.h"
+#include "analysis/expression_text.h"
+#include "analysis/users.h"
+#include "tests/compare.h"
+#include "tests/generator.h"
+
+using namespace tamsel;
+
+namespace {
+
+GeneratorOptions options_of(unsigned seed) {
+  GeneratorOptions options;
+  options.seed = seed;
+  options.equations = 10 + static_cast<int>(seed * 7 % 30);
+  options.expression_size = static_cast<int>(seed % 5 * seed % 40);
+  options.tuple_equations = seed % 3 != 0;
+  options.clocks = seed % 2 == 0;
+  options.types = seed % 5 != 0;
+  return options;
+}
+
+std::string generated(const GeneratorOptions& options) {
+  std::ostringstream text;
+  write_program(options, text);
+  return text.str();
+}
+
+// The texts of all programs at hand; those of the corpus are mostly broken.
+std::vector<std::string> texts() {
+  std::vector<std::string> all;
+  for (unsigned seed = 1; seed <= 150; ++seed) all.push_back(generated(options_of(seed)));
+  const std::filesystem::path root = SOURCE_DIR;
+  for (const char* folder : {"examples", "examples/broken", "fuzz/corpus/file"})
+    for (const auto& entry : std::filesystem::directory_iterator(root / folder)) {
+      if (!entry.is_regular_file()) continue;
+      std::stringstream text;
+      text << std::ifstream(entry.path()).rdbuf();
+      all.push_back(text.str());
+    }
+  return all;
+}
+
+// Each program that is read, with the names of its tuple equations once.
+template <class Take>
+void each_program(Take take) {
+  int programs = 0;
+  for (const std::string& text : texts()) {
+    LoadedProgram program;
+    program.prg.silent = true;
+    if (program.read(text) != 0 || program.prg.name == 0) continue;
+    SCOPED_TRACE(text);
+    take(&program.prg);
+    ++programs;
+  }
+  EXPECT_GT(programs, 100);
+}
+
+// The expressions of a program, the right sides first.
+std::vector<Exp*> expressions_of(EcPrg* prg) {
+  std::vector<Exp*> all;
+  for (const Equation& equation : equations_of(prg)) all.push_back(equation.right);
+  for (const IntList* cell = prg->assertions; cell != nullptr; cell = cell->next)
+    all.push_back(prg->ident(cell->value)->definition);
+  return all;
+}
+
+std::string full(EcPrg* prg, Exp* e) {
+  return e != nullptr ? ExpressionText().full(prg, e) : "refused";
+}
+
+// The text without the bracket at `open` and the one that closes it.
+std::string without_brackets(const std::string& text, size_t open) {
+  size_t close = open;
+  for (int depth = 1; depth > 0;) {
+    ++close;
+    depth += text[close] == '(' ? 1 : text[close] == ')' ? -1 : 0;
+  }
+  return text.substr(0, open) + " " + text.substr(open + 1, close - open - 1) + " " +
+         text.substr(close + 1);
+}
+
+TEST(Questions, ABriefTextReadsBackAndHasNoBracketToSpare) {
+  each_program([](EcPrg* prg) {
+    for (Exp* e : expressions_of(prg)) {
+      const std::string brief = ExpressionText().brief(prg, e);
+      const std::string meant = full(prg, e);
+      ASSERT_EQ(meant, full(prg, prg->exp_read(brief.c_str()))) << brief;
+      if (brief.size() > 300) continue;
+      for (size_t open = brief.find('('); open != brief.npos; open = brief.find('(', open + 1))
+        ASSERT_NE(meant, full(prg, prg->exp_read(without_brackets(brief, open).c_str()))) << brief;
+    }
+  });
+}
+
+// EC text of the tree whose nodes these are.
+std::string text_of(const std::vector<TreeNode>& nodes) {
+  std::vector<std::string> read;  // from the last node on
+  for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
+    std::vector<std::string> operands;
+    for (int i = 0; i < node->operands; ++i) {
+      operands.push_back("(" + read.back() + ")");
+      read.pop_back();
+    }
+    const std::string op = node->op;
+    std::string list;
+    for (const std::string& operand : operands) list += (list.empty() ? "" : ", ") + operand;
+    if (op == "name" || op == "constant")
+      read.push_back(node->label);
+    else if (op == "if")
+      read.push_back("if " + operands[0] + "then" + operands[1] + "else" + operands[2]);
+    else if (op == "tuple" || op == "#" || op == "nor" || op == "call")
+      read.push_back((op == "tuple" ? "" : op == "call" ? node->label : op) + "(" + list + ")");
+    else
+      read.push_back(operands.size() == 1 ? op + operands[0] : operands[0] + op + operands[1]);
+  }
+  return read.size() == 1 ? read[0] : "not one tree";
+}
+
+TEST(Questions, ATreeIsTheExpression) {
+  each_program([](EcPrg* prg) {
+    for (Exp* e : expressions_of(prg)) {
+      const std::string text = text_of(tree_of(prg, e));
+      ASSERT_EQ(full(prg, e), full(prg, prg->exp_read(text.c_str()))) << text;
+    }
+  });
+}
+
+std::string source_text(EcPrg* prg) {
+  std::string text;
+  PtyStream out(&text, 80, nullptr);
+  prg->print_source(&out);
+  out.close();
+  return text;
+}
+
+// What is known of every name but its places in the text.
+std::string account_of(EcPrg* prg) {
+  const auto name = [prg](int symbol) { return std::string(prg->symbols->name(symbol)) + " "; };
+  std::string text;
+  for (const NameKind kind : name_kinds)
+    for (const int symbol : prg->declared_names(kind)) {
+      const Description known = describe_as(prg, symbol, kind);
+      text += kind_word(kind) + (" " + name(symbol));
+      if (known.ident != nullptr)
+        text += prg->type_name(known.ident->type, "?") + (" when " + name(known.ident->clock));
+      for (const int other : known.defined_with()) text += name(other);
+      if (known.has_equation()) text += "= " + full(prg, right_side(known.ident));
+      text += " " + std::to_string(known.rank());
+      if (known.type != nullptr)
+        for (const int constant : constants_of(prg, known.type)) text += name(constant);
+      if (known.function != nullptr)
+        for (const auto& list : {parameters_of(known.function), results_of(known.function)})
+          for (const Parameter& parameter : list)
+            text += name(parameter.name) + name(parameter.type);
+      text += "\n";
+    }
+  for (Exp* e : expressions_of(prg)) text += full(prg, e) + "\n";
+  return text;
+}
+
+TEST(Questions, TheSourceTextLosesNothing) {
+  each_program([](EcPrg* prg) {
+    if (prg->declared_names(NameKind::input).empty()) return;
+    if (prg->declared_names(NameKind::output).empty()) return;
+    const std::string text = source_text(prg);
+    LoadedProgram second;
+    second.prg.silent = true;
+    ASSERT_EQ(0, second.read(text)) << second.prg.error_message << "\n" << text;
+    ASSERT_EQ(text, source_text(&second.prg));
+    ASSERT_EQ(account_of(prg), account_of(&second.prg)) << text;
+  });
+}
+
+TEST(Questions, NeedsAndUsersAreEachOthersInverse) {
+  each_program([](EcPrg* prg) {
+    const Users users(prg);
+    for (const bool now : {false, true}) {
+      std::vector<std::pair<int, int>> by_needs, by_users;
+      for (const NameKind kind : name_kinds)
+        for (const int symbol : prg->declared_names(kind)) {
+          for (const int needed : needs_of(prg, right_side(prg->ident(symbol)), now))
+            by_needs.emplace_back(symbol, needed);
+          if (prg->ident(symbol) == nullptr) continue;
+          for (const int user : users.of(symbol, now)) by_users.emplace_back(user, symbol);
+        }
+      std::sort(by_needs.begin(), by_needs.end());
+      std::sort(by_users.begin(), by_users.end());
+      ASSERT_EQ(by_needs, by_users);
+    }
+  });
+}
+
+// The findings that are errors, as a text.
+std::string errors_of(EcPrg* prg) {
+  std::string text;
+  for (const Finding& finding : check(prg, {finding_kinds, finding_kinds + 5})) {
+    if (severity_word(finding.kind) != std::string("error")) continue;
+    text += kind_word(finding.kind);
+    for (const int name : finding.names) text += " " + std::string(prg->symbols->name(name));
+    text += "\n";
+  }
+  return text;
+}
+
+TEST(Check, FindsNothingInSoundProgramsAndWhatIsPlantedInOthers) {
+  const struct {
+    const char* equations;  // of ill_a, ill_b : int, of ill_c, ill_d, which run on CLOCK, and ill_e
+    const char* errors;
+  } rows[] = {
+      {"ill_a = 1; ill_b = ill_a; ill_c = 1; ill_d = 2; ill_e = true;", ""},
+      {"ill_b = pre ill_b; ill_c = 1; ill_d = 2; ill_e = true;", "hole ill_a\n"},
+      {"ill_a = ill_b + 1; ill_b = 1 -> pre 2 + ill_a; ill_c = 1; ill_d = 2; ill_e = true;",
+       "cycle ill_a ill_b\n"},
+      {"(ill_a, ill_b) = (ill_b, 1); ill_c = 1; ill_d = 2; ill_e = true;", "cycle ill_a ill_b\n"},
+      {"ill_a = ill_e; ill_b = 1; ill_c = 1; ill_d = 2; ill_e = true;", "type ill_a\n"},
+      {"ill_a = 1; ill_b = 1; ill_c = 1; ill_d = 2; ill_e = true; assert ill_a + 1;", "type\n"},
+      {"(ill_a, ill_e) = (true, 1); ill_b = 1; ill_c = 1; ill_d = 2;", "type ill_a ill_e\n"},
+      {"ill_a = ill_c; ill_b = 1; ill_c = 1; ill_d = 2; ill_e = true;", "clock ill_a\n"},
+      {"ill_a = 1; ill_b = 1; ill_c = ill_a; ill_d = ill_c + 1; ill_e = true;", "clock ill_c\n"},
+      {"ill_a = current ill_c; ill_b = current ill_a; ill_c = ill_a when CLOCK; ill_d = 2;"
+       "ill_e = true;",
+       "clock ill_b\ncycle ill_a ill_c\n"},
+      {"ill_a = current ill_c; ill_b = 1; ill_c = 1 when CLOCK; ill_d = ill_c when CLOCK;"
+       "ill_e = true;",
+       "clock ill_d\n"},
+      {"ill_a = current 1; ill_b = 1; ill_c = 1 when true; ill_d = 2; ill_e = true;",
+       "clock ill_c\n"},
+      {"(ill_a, ill_c) = (1, 2); ill_b = 1; ill_d = 2; ill_e = true;", "clock ill_a ill_c\n"},
+      {"ill_a = 1; ill_b = 1; ill_c = 1; ill_d = 2; ill_e = CLOCK; assert ill_c = ill_a;",
+       "clock\n"},
+      {"ill_a = nosuch; ill_b = 1; ill_c = 1; ill_d = 2; ill_e = true;",
+       "hole nosuch\nhole ill_a\n"},
+  };
+  for (unsigned seed = 2; seed <= 120; seed += 2) {
+    GeneratorOptions options = options_of(seed);
+    options.sound = true;
+    const std::string text = generated(options);
+    for (const auto& row : rows) {
+      std::string planted = text;
+      const auto put = [&](size_t place, const std::string& more) { planted.insert(place, more); };
+      const std::string clock = options.types ? "i5" : "i3";
+      put(planted.rfind("tel"), row.equations);
+      put(planted.find("\nlet\n") + 1,
+          "ill_a, ill_b : int; (ill_c, ill_d : int) when CLOCK;"
+          "ill_e : bool;");
+      for (size_t at; (at = planted.find("CLOCK")) != planted.npos;) planted.replace(at, 5, clock);
+      LoadedProgram program;
+      program.prg.silent = true;
+      ASSERT_EQ(0, program.read(planted)) << program.prg.error_message << planted;
+      ASSERT_EQ(row.errors, errors_of(&program.prg)) << planted;
+    }
+  }
+}
+
+}  // namespace
