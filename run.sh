@@ -1,9 +1,32 @@
 #!/usr/bin/env bash
-# run.sh [FILE.ec ...]: shows EC programs: what each declares, and its Quarel text.
-#
-# Installs what building needs, builds the library and loads it into Tcl, from any directory and without
-# a display; file names are relative to the caller's. Without arguments it shows examples/thermostat.ec.
+# run.sh [FILE.ec ...]: shows EC programs: what each declares, and its Quarel text; --help tells more.
 set -euo pipefail
+
+usage() {
+  cat <<'END'
+usage: ./run.sh [FILE.ec ...]
+
+Shows EC programs: what each declares, and its Quarel text. Without a file shows examples/thermostat.ec.
+Installs what building needs and builds the library first; needs no display. Works from any folder, and
+file names are relative to the caller's.
+
+  -h, --help      print this
+
+Exit status: 0 where all programs could be shown.
+END
+}
+
+case ${1:-} in
+  -h | --help)
+    usage
+    exit
+    ;;
+  --) shift ;;
+  -*)
+    echo "run.sh: there is no option $1; a file of that name is ./$1" >&2
+    exit 2
+    ;;
+esac
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 (($# > 0)) || set -- "$root/examples/thermostat.ec"

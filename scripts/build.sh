@@ -12,13 +12,18 @@ fi
 preset=$1
 targets=("${@:2}")
 
+fail() {
+  echo "build: $1" >&2
+  exit 1
+}
+
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-if ! scripts/quietly.sh cmake --preset "$preset"; then
-  echo "build: could not configure preset $preset; if the sources have moved or another compiler" \
-    "was here, remove build/$preset and try again" >&2
-  exit 1
-fi
-if ! scripts/quietly.sh cmake --build --preset "$preset" ${targets:+--target "${targets[@]}"}; then
-  echo "build: preset $preset did not build; the compiler says why above" >&2
-  exit 1
-fi
+presets=$(sed -n '/"configurePresets"/,/^  \]/s/.*"name": "\([^"]*\)".*/\1/p' CMakePresets.json)
+grep -qxF -- "$preset" <<<"$presets" ||
+  fail "there is no preset '$preset'; the presets are: $(paste -sd ' ' <<<"$presets")"
+mkdir -p "build/$preset" 2>/dev/null && [[ -w build/$preset ]] ||
+  fail "cannot write into $PWD/build/$preset, where products go; let this user write there, or work in a copy of the sources"
+scripts/quietly.sh cmake --preset "$preset" ||
+  fail "could not configure preset $preset, as said above; if the sources have moved or another compiler was here, remove build/$preset and try again"
+scripts/quietly.sh cmake --build --preset "$preset" ${targets:+--target "${targets[@]}"} ||
+  fail "preset $preset did not build, as said above"

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# scripts/with-display.sh COMMAND...: runs the command with an X display that answers.
+# scripts/with-display.sh COMMAND...: runs the command with an X display.
 #
-# That is the present DISPLAY if Tk can open it, else an Xvfb of its own. This script then becomes
-# the command, so that signals, standard streams and exit status are the command's own. The server
-# watches a pipe that the command and its children hold open, and ends when the last of them does,
-# however it ends.
+# That is an Xvfb of its own, so that no window opens before the user, or the display that the environment
+# variable TAMSEL_TEST_DISPLAY names. This script then becomes the command, so that signals, standard streams
+# and exit status are the command's own. The server watches a pipe that the command and its children hold
+# open, and ends when the last of them does, however it ends.
 set -euo pipefail
 
 if (($# == 0)); then
@@ -12,14 +12,13 @@ if (($# == 0)); then
   exit 2
 fi
 
-answers='if {[catch {package require Tk}]} {exit 1}; exit 0'
-if [[ -n ${DISPLAY:-} ]] && timeout 10 tclsh8.6 <<<"$answers" >/dev/null 2>&1; then
-  exec "$@"
+if [[ -n ${TAMSEL_TEST_DISPLAY:-} ]]; then
+  DISPLAY=$TAMSEL_TEST_DISPLAY exec "$@"
 fi
 
 if ! command -v Xvfb >/dev/null; then
-  echo "with-display: no X display answers, and there is no Xvfb to start one;" \
-    "set DISPLAY, or run scripts/setup.sh" >&2
+  echo "with-display: there is no Xvfb to start a display; run scripts/setup.sh, or let TAMSEL_TEST_DISPLAY" \
+    "name a display" >&2
   exit 1
 fi
 
@@ -27,7 +26,7 @@ fi
 # the pipe that its number is read from: if it dies, the reader learns it. Without -noreset it would
 # drop a client that arrives while the last one leaves.
 serve='
-  Xvfb -displayfd 1 -nolisten tcp -ac -noreset -screen 0 1024x768x24 2>"$1" &
+  Xvfb -displayfd 1 -nolisten tcp -ac -noreset -screen 0 1600x1200x24 2>"$1" &
   exec >/dev/null 2>&1
   cat
   kill $!

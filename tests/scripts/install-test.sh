@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
-# tests/scripts/install-test.sh BUILD COMPILER FLAGS [PRELOAD]: what `cmake --install` puts into a folder is
+# tests/scripts/install-test.sh BUILD TCLSH COMPILER FLAGS [PRELOAD]: what `cmake --install` puts into a folder is
 # enough to build the example C++ program, by find_package and by pkg-config, and to run an example script.
 #
-# The example is compiled like the library, with COMPILER and FLAGS; PRELOAD is what tclsh has to load
-# before a sanitized library.
+# The example is compiled like the library, with COMPILER and FLAGS; PRELOAD is what the shell TCLSH has to
+# load before a sanitized library.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 build=$1
-export CXX=$2 CXXFLAGS=$3
-preload=${4:-}
+tclsh=$2
+export CXX=$3 CXXFLAGS=$4
+preload=${5:-}
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -40,5 +41,5 @@ check "$folder/ecshow"
   $CXX -std=c++17 -fsyntax-only -I "$prefix/include/tamsel" -x c++ -
 
 examples=$prefix/share/doc/tcl-tamsel/examples
-env -u DISPLAY -u QUAREL_INSTALL TCLLIBPATH="$prefix/lib/tcltk" LD_PRELOAD="$preload" \
-  tclsh8.6 "$examples/extend-node.tcl" | diff "$examples/expected/extend-node.out" -
+env -u DISPLAY -u QUAREL_INSTALL TCLLIBPATH="{$prefix/lib/tcltk}" LD_PRELOAD="$preload" \
+  "$tclsh" "$examples/extend-node.tcl" | diff "$examples/expected/extend-node.out" -
