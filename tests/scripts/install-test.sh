@@ -31,9 +31,9 @@ check() {  # PROGRAM: it shows the example as is kept, and refuses an empty file
 check "$folder/build/ecshow"
 
 pkgconfig=$(dirname "$(find "$prefix" -name tamsel.pc)")
-# shellcheck disable=SC2046,SC2086  # one word an option
-$CXX $CXXFLAGS -std=c++17 "$root/examples/cpp/ecshow.cpp" \
-  $(PKG_CONFIG_PATH=$pkgconfig pkg-config --cflags --libs tamsel) -o "$folder/ecshow"
+# shellcheck disable=SC2086  # one word an option
+PKG_CONFIG_PATH=$pkgconfig pkg-config --cflags --libs tamsel |
+  xargs $CXX $CXXFLAGS -std=c++17 -o "$folder/ecshow" "$root/examples/cpp/ecshow.cpp"
 check "$folder/ecshow"
 
 # No installed header includes one that is not.

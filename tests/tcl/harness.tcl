@@ -39,23 +39,23 @@ proc program_test {name description body result} {
     uplevel 1 [list test $name $description -setup {ecprg p} -body $body -cleanup {rename p {}} -result $result]
 }
 
-# Runs `script` in a fresh `shell` with `args` in argv and nothing on standard input, and returns
-# {exit-status standard-output standard-error}.
+# Runs `script` by the command `shell`, with `args` in argv and nothing on standard input, and returns
+# {exit-status standard-output standard-error}. The library prints UTF-8, whatever the locale.
 proc run_shell {shell script args} {
-    set path [write_file child.tcl "$script\nexit 0\n"]
+    set path [write_file child.tcl [encoding convertto utf-8 "$script\nexit 0\n"]]
     set out [file join $::scratch child.out]
     set err [file join $::scratch child.err]
     set status 0
-    if {[catch {exec $shell $path {*}$args < /dev/null > $out 2> $err} _ options]} {
+    if {[catch {exec {*}$shell $path {*}$args < /dev/null > $out 2> $err} _ options]} {
         set code [dict get $options -errorcode]
         set status [expr {[lindex $code 0] eq "CHILDSTATUS" ? [lindex $code 2] : $code}]
     }
-    list $status [read_file $out] [read_file $err]
+    list $status {*}[lmap path [list $out $err] {encoding convertfrom utf-8 [read_file $path]}]
 }
 
 # The same in a tclsh that has loaded the library.
 proc run_child {script args} {
-    run_shell [info nameofexecutable] "load [list $::env(TAMSEL_LIBRARY)]\n$script" {*}$args
+    run_shell [list [info nameofexecutable] -encoding utf-8] "load [list $::env(TAMSEL_LIBRARY)]\n$script" {*}$args
 }
 
 # Runs a tool on its own, without what a sanitized library needs.
