@@ -13,7 +13,7 @@ scripts/setup.sh build ci
 scripts/build.sh release
 with_hosts=$PWD/tests/batch/with-hosts.sh
 tree=$PWD/build/release/tests/tree
-export PATH=$PWD/examples/batch:$PATH TCLLIBPATH=$PWD/build/release TAMSEL_TK=0
+export PATH=$PWD/examples/batch:$PATH TCLLIBPATH="{$PWD/build/release}" TAMSEL_TK=0
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
