@@ -13,7 +13,7 @@ proc fault {file} {
         return ""
     } trap {TAMSEL SYNTAX} {- options} {
         lassign [dict get $options -errorcode] - - line message
-        return "$file:$line: $message"
+        return "$file:$line: [encoding convertto utf-8 $message]"
     } trap {TAMSEL IO} {- options} {
         return "$file: [lindex [dict get $options -errorcode] end]"
     } finally {
@@ -21,15 +21,25 @@ proc fault {file} {
     }
 }
 
+# A name is its bytes from here on: it need not be a text in the encoding of the system.
+set argv [lmap path $argv {encoding convertto [encoding system] $path}]
+encoding system iso8859-1
+fconfigure stdout -encoding iso8859-1
+
 set files [concat {*}[lmap path $argv {
     expr {[file isdirectory $path] ? [lsort [glob -nocomplain -directory $path *.ec]] : [list $path]}
 }]]
 set faulty 0
-foreach file $files {
-    if {[set fault [fault $file]] ne ""} {
-        puts $fault
-        incr faulty
+try {
+    foreach file $files {
+        if {[set fault [fault $file]] ne ""} {
+            puts $fault
+            incr faulty
+        }
     }
+    puts "[llength $files] programs, $faulty with faults"
+    flush stdout
+} trap {POSIX EPIPE} {} {
+    # Whoever reads has seen enough.
 }
-puts "[llength $files] programs, $faulty with faults"
 exit [expr {$faulty > 0}]

@@ -44,7 +44,11 @@ dict for {name value} $equations {node eq $name $value}
 if {$file ne ""} {
     node dump $file
 } else {
-    node dump
-    puts ""
+    try {
+        node dump
+        puts ""
+    } trap {TAMSEL IO EPIPE} {} - trap {POSIX EPIPE} {} {
+        # Whoever reads has seen enough.
+    }
 }
 exit

@@ -30,7 +30,9 @@ proc names {object kinds} {
 }
 
 proc files {beginning} {
-    lmap path [lsort [glob -nocomplain -- $beginning*]] {
+    # Tcl 9 fails where a name is no text in the encoding of the system.
+    if {[catch {glob -nocomplain -- $beginning*} paths]} {return {}}
+    lmap path [lsort $paths] {
         expr {[file isdirectory $path] ? "$path/" : $path}
     }
 }
@@ -58,13 +60,14 @@ proc completions {line} {
     lsearch -all -inline [possible $before $beginning] [regsub -all {[][*?\\]} $beginning {\\&}]*
 }
 
-# The same as tclreadline asks for it: what all have in common, then all, each as it continues `text`, the part
-# of the word that is readline's own idea of one.
+# The same as tclreadline asks for it: what all have in common, then all, each in place of `text`, which is
+# readline's own idea of a word: a part of one, or with the brace, quote or parenthesis before it.
 proc complete {text start end line} {
     set line [string range $line 0 $end-1]
     regexp {[^\s"{}()\[;]*$} $line beginning
-    set skipped [expr {[string length $beginning] - [string length $text]}]
-    set found [lmap word [completions $line] {string range $word $skipped end}]
+    set opening [string range $text 0 end-[string length $beginning]]
+    set skipped [expr {max(0, [string length $beginning] - [string length $text])}]
+    set found [lmap word [completions $line] {string cat $opening [string range $word $skipped end]}]
     if {[llength $found] <= 1} {return $found}
     set common [lindex $found 0]
     foreach word $found {
@@ -84,6 +87,8 @@ proc read_line {prompt} {
 }
 
 proc main {files} {
+    # Tcl 9 would end at what a channel's encoding cannot hold.
+    foreach channel {stdin stdout stderr} {catch {fconfigure $channel -profile replace}}
     if {![catch {package require tclreadline}]} {
         ::tclreadline::readline initialize /dev/null
         ::tclreadline::readline customcompleter complete
@@ -109,4 +114,8 @@ proc main {files} {
     }
 }
 
-if {[info script] eq $argv0} {main $argv}
+if {[info script] eq $argv0} {
+    try {
+        main $argv
+    } trap {POSIX EPIPE} {} exit
+}

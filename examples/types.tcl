@@ -13,12 +13,13 @@ while {[gets stdin line] >= 0} {
     if {[string trim $line] eq ""} continue
     try {
         if {[regexp {^\s*(\w+)\s*:\s*(\w+)\s*$} $line - name type]} {
-            puts "[scope add-loc $type $name] is declared"
+            set answer "[scope add-loc $type $name] is declared"
         } else {
-            puts [scope exp-type $line]
+            set answer [scope exp-type $line]
         }
     } trap TAMSEL {text} {
-        puts [regsub {.*\n=> scope [a-z-]+ : } $text "? "]
+        set answer [regsub {.*\n=> scope [a-z-]+ : } $text "? "]
     }
+    if {[catch {puts $answer}]} exit  ;# nobody reads any more
 }
 exit

@@ -73,11 +73,11 @@ foreach file $argv {
   ecprg program
   try {
     show program $file
+  } trap {TAMSEL IO EPIPE} {} - trap {POSIX EPIPE} {} {
+    exit 1  ;# the reader of our output has seen enough
   } trap TAMSEL {result options} {
     puts stderr "show: [explain $result [dict get $options -errorcode]]"
     set status 1
-  } trap {POSIX EPIPE} {} {
-    exit 1  ;# the reader of our output has seen enough
   }
   rename program {}
 }

@@ -173,7 +173,7 @@ proc work {} {
     foreach file $left {add_item $recording [handle $file]}
 }
 
-if {[catch {package require Tamsel} result]} {give_up "cannot load Tamsel: $result"}
+if {[catch {package require Tamsel} result]} {give_up "Tcl [package provide Tcl] cannot load Tamsel: $result"}
 if {[catch {
     cd $state
     lassign [read_items settings] folder output strict

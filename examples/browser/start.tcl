@@ -123,11 +123,11 @@ Shows EC programs in a window.
     variable usage
     if {[catch {options $words} options]} {fail "$options\n$usage"}
     if {[dict exists $options help]} {
-      puts $usage
+      catch {puts $usage}  ;# whoever reads may have seen enough
       exit 0
     }
     if {[catch {package require Tk; load_library} result]} {
-      fail "could not start: [lindex [split [string trim $result] \n] end]"
+      fail "could not start in Tcl [package provide Tcl]: [lindex [split [string trim $result] \n] end]"
     }
     start
     if {[dict exists $options export]} {
