@@ -1,6 +1,7 @@
 #include "tcl/support.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 ErrorCode io_error(const char* name) { return {{"IO", Tcl_ErrnoId(), name, Tcl_ErrnoMsg(errno)}}; }
@@ -94,14 +95,28 @@ int report_out_of_memory(Tcl_Interp* interp) {
   return TCL_ERROR;
 }
 
+// The bytes of `word` in the encoding of the system; false where that cannot hold it. Tcl's simpler
+// operation would write "?" for such a character, which may well be the name of another file.
+static bool encode(const char* word, std::string* bytes) {
+  const int flags = TCL_ENCODING_START | TCL_ENCODING_END | TCL_ENCODING_STOPONERROR;
+  const size_t size = std::strlen(word);
+  // What Tcl converts is counted in int in one series. No system has names so long.
+  if (size > INT_MAX / 8) return false;
+  // The encodings of systems write no more than 4 bytes for one, and shifts between character sets.
+  bytes->resize(4 * size + 64);
+  int written = 0;
+  const int outcome =
+      Tcl_UtfToExternal(nullptr, nullptr, word, static_cast<int>(size), flags, nullptr,
+                        &(*bytes)[0], static_cast<int>(bytes->size()), nullptr, &written, nullptr);
+  bytes->resize(static_cast<size_t>(written));
+  return outcome == TCL_OK;
+}
+
 FILE* open_by_name(const char* word, const char* mode) {
-  Tcl_DString name;
-  const char* path = Tcl_UtfToExternalDString(nullptr, word, -1, &name);
+  std::string path;
   // The system would cut the name at a NUL, and open another file.
-  const bool whole = std::strlen(path) == static_cast<size_t>(Tcl_DStringLength(&name));
-  FILE* file = whole ? std::fopen(path, mode) : nullptr;
-  const int reason = whole ? errno : ENOENT;
-  Tcl_DStringFree(&name);
-  errno = reason;
-  return file;
+  if (encode(word, &path) && path.find('\0') == std::string::npos)
+    return std::fopen(path.c_str(), mode);
+  errno = ENOENT;
+  return nullptr;
 }

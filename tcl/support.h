@@ -59,8 +59,9 @@ int run_command(Tcl_Interp* interp, Command command) {
   }
 }
 
-// Opens the file that a word of a script names, which has its name in the encoding of the system.
-// As fopen does, hands over the stream, or answers null and sets errno.
+// Opens the file that a word of a script names, which has its name in the encoding of the system; a
+// word that this cannot hold names none. As fopen does, hands over the stream, or answers null and
+// sets errno.
 FILE* open_by_name(const char* word, const char* mode);
 
 #endif

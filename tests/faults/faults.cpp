@@ -48,7 +48,7 @@ static int faults(ClientData, Tcl_Interp* interp, int argc, const char* argv[]) 
 }
 
 extern "C" __attribute__((visibility("default"))) int Faults_Init(Tcl_Interp* interp) {
-  if (Tcl_InitStubs(interp, "8.5", 0) == nullptr) return TCL_ERROR;
+  if (Tcl_InitStubs(interp, "8.5-", 0) == nullptr) return TCL_ERROR;
   Tcl_CreateCommand(interp, "faults", faults, nullptr, nullptr);
   return TCL_OK;
 }

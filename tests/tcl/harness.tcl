@@ -63,6 +63,10 @@ proc run_tool {args} {
     exec env -u LD_PRELOAD {*}$args
 }
 
+# What this series of Tcl says of a folder that is taken for a file.
+catch {open $scratch w}
+set is_folder [lindex $errorCode 2]
+
 # The result and errorCode of a script that must fail.
 proc failure {script} {
     if {![catch {uplevel 1 $script} result options]} {
