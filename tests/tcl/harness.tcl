@@ -50,7 +50,11 @@ proc run_shell {shell script args} {
         set code [dict get $options -errorcode]
         set status [expr {[lindex $code 0] eq "CHILDSTATUS" ? [lindex $code 2] : $code}]
     }
-    list $status {*}[lmap path [list $out $err] {encoding convertfrom utf-8 [read_file $path]}]
+    list $status {*}[lmap path [list $out $err] {
+        set bytes [read_file $path]
+        # Tcl 9 refuses what is none, such as a NUL of Tcl's.
+        expr {[catch {encoding convertfrom utf-8 $bytes} text] ? $bytes : $text}
+    }]
 }
 
 # The same in a tclsh that has loaded the library.
