@@ -10,7 +10,8 @@ if ! sshd=$(PATH=$PATH:/usr/sbin:/sbin command -v sshd); then
   echo "with-hosts: there is no sshd (Debian: openssh-server), and so there are no hosts to test with" >&2
   exec "$@"
 fi
-folder=$(mktemp -d)
+# GNU parallel gives a shell what its list of hosts says, so no path in it may have blanks.
+folder=$(mktemp -d -p /tmp)
 server=
 trap '[[ -z $server ]] || kill "$server"; rm -rf "$folder"' EXIT
 trap 'exit 143' TERM

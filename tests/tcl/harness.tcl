@@ -6,7 +6,8 @@ package require tcltest 2
 namespace import ::tcltest::test ::tcltest::cleanupTests
 
 set source_dir $env(TAMSEL_SOURCE)
-set scratch [file join [expr {[info exists env(TMPDIR)] ? $env(TMPDIR) : "/tmp"}] tamsel-test-[pid]]
+set scratch [expr {[info exists env(TMPDIR)] ? $env(TMPDIR) : "/tmp"}]
+set scratch [file normalize [file join $scratch tamsel-test-[pid]]]
 file mkdir $scratch
 load $env(TAMSEL_LIBRARY)
 
