@@ -9,9 +9,8 @@ usage: ./test.sh [--preset NAME] [CTEST ARGUMENT...]
 Builds Tamsel and runs its tests, as many at a time as there are cores. Tells of the tests that fail, and at
 the end how many passed. Installs what building needs; opens no window.
 
-  --preset NAME   what to build and test: release (unless given), debug, asan, clang, coverage, tcl9 or
-                  asan-tcl9. Without it release, and then tcl9 where Debian's Tcl 9 is installed with what
-                  building for it needs
+  --preset NAME   what to build and test: release, debug, asan, clang, coverage, tcl9 or asan-tcl9. Without
+                  it release, and then tcl9 where Tcl 9 is installed with what building for it needs
   -h, --help      print this
 
 Other arguments are for ctest: -R REGEX runs the tests whose names match, -N lists them, -V shows all that
@@ -42,7 +41,7 @@ esac
 cd "$(dirname "${BASH_SOURCE[0]}")"
 if ((${#names[@]} == 0)); then
   names=(release)
-  if command -v tclsh9.0 >/dev/null && [[ -e /usr/include/tcl9.0/tk.h ]]; then names+=(tcl9); fi
+  if scripts/setup.sh --look tcl9; then names+=(tcl9); fi
 fi
 sections=(build)
 case ${names[0]} in

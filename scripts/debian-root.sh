@@ -6,7 +6,7 @@
 # keeps what commands install. Both lie in TAMSEL_ROOTS, or else /var/cache/tamsel, and may be removed at any
 # time. With --fresh the command has a copy of its own, which goes afterwards.
 #
-# Needs root. All mounts are in a mount namespace of the command's own, and end with its last process; so no
+# Needs root. Where no such Debian can be made the exit status is 77. All mounts are in a mount namespace of the command's own, and end with its last process; so no
 # folder here ever has anything mounted in it.
 set -euo pipefail
 
@@ -27,7 +27,7 @@ root=$roots/$release
 
 fail() {
   echo "debian-root: $1" >&2
-  exit 1
+  exit 77
 }
 ((EUID == 0)) || fail "only root can make a root folder of Debian $release, and work in it"
 unshare --mount true 2>/dev/null || fail "this system lets not even root mount anything"

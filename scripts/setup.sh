@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# scripts/setup.sh [SECTION...]: installs what is missing of scripts/packages.txt.
+# scripts/setup.sh [--look] [SECTION...]: installs what is missing of scripts/packages.txt; with --look only
+# says by its exit status whether all is there.
 #
 # Its sections say what they are for; "build" is the default. Where everything is there, this costs one
 # look and needs no rights; otherwise apt-get runs as root or through a sudo that asks nothing.
@@ -7,6 +8,11 @@ set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 list=$here/packages.txt
+look=
+if [[ ${1:-} == --look ]]; then
+  look=yes
+  shift
+fi
 (($# > 0)) || set -- build
 
 fail() {
@@ -34,6 +40,7 @@ if ! command -v apt-get >/dev/null; then
     command -v "$program" >/dev/null || absent+=("$program")
   done
   ((${#absent[@]} == 0)) && exit 0
+  [[ -z $look ]] || exit 1
   fail "there is no apt-get on this system, and these programs are missing: ${absent[*]}" \
     "install them, and what gives the Debian packages: ${packages[*]}"
 fi
@@ -42,6 +49,7 @@ installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' "${packages[@]}"
   sed -n 's/^installed //p') || true
 mapfile -t missing < <(printf '%s\n' "${packages[@]}" | grep -vxF "$installed")
 ((${#missing[@]} == 0)) && exit 0
+[[ -z $look ]] || exit 1
 
 as_root=()
 if ((EUID != 0)); then
