@@ -122,8 +122,9 @@ namespace eval ::tamselbrowser::style {
     return $widget
   }
 
-  # `text`, cut so that it is at most `width` pixels wide in a font.
+  # `text`, cut so that it is at most `width` wide in a font: pixels, or points as in 100p.
   proc shortened {text font width} {
+    set width [winfo pixels . $width]
     if {[font measure $font $text] <= $width} {return $text}
     # Nothing longer can fit, whatever the letters.
     set text [string range $text 0 [expr {$width}]]

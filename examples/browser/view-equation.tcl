@@ -43,7 +43,7 @@ namespace eval ::tamselbrowser::view::equation {
       set what "Choose a name in the table, the picture or the source to see its equation."
     }
     $frame.head.name configure \
-      -text [style::shortened $name tamselbrowser.bold 360]
+      -text [style::shortened $name tamselbrowser.bold 270p]
     pack forget $frame.head.name
     if {$name ne ""} {pack $frame.head.name -before $frame.head.what -side left -padx {0 10}}
     $frame.head.what configure -text $what

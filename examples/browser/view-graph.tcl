@@ -223,7 +223,7 @@ namespace eval ::tamselbrowser::view::graph {
     }
     $frame.bar.caption configure -text $text
     $frame.bar.centre configure -text [expr {$centre eq "" ? "" : "of [style::shortened \
-      $centre tamselbrowser.bold 170]"}]
+      $centre tamselbrowser.bold 128p]"}]
   }
 
   # The output among the first ones whose cone is the largest; "" where there is none.
