@@ -17,6 +17,7 @@ packed=()
 if scripts/setup.sh --look tcl9; then
   scripts/build.sh package-tcl9
   packed=(-D "CPACK_INSTALL_CMAKE_PROJECTS=$PWD/build/package;Tamsel;ALL;/;$PWD/build/package-tcl9;Tamsel;tcl;/"
+    -D CPACK_COMPONENTS_TCL=tcl  # what "tcl" in the second project stands for
     -D "CPACK_DEBIAN_TCL_PACKAGE_DEPENDS=tcl8.6 | tcl9.0"
     -D "CPACK_DEBIAN_TCL_PACKAGE_RECOMMENDS=tk8.6 | tk9.0")
 fi
