@@ -1,66 +1,72 @@
 #!/usr/bin/env bash
-# scripts/clean-root-test.sh: installs the packages of build/package (see scripts/package.sh) in a fresh
-# minimal Debian, has a first session there without a display, and removes them again.
+# scripts/clean-root-test.sh [RELEASE]: installs the packages of build/package (see scripts/package.sh) in a
+# fresh minimal Debian, has a first session there without a display, and removes them again.
 #
-# Needs root, and the package mirror that apt uses here. The Debian is of the release that runs here; it
-# lives in a temporary folder. Prints a transcript. The exit status is 1 where a step fails, or removing leaves a file behind.
+# The Debian is of the release that runs here, or of RELEASE, whose packages are those of build/RELEASE/package;
+# scripts/debian-root.sh makes it, and says what that needs. Prints a transcript. The exit status is 1 where a
+# step fails, or removing leaves a file behind.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-debs=(build/package/*.deb)
-if [[ ! -e ${debs[0]} ]]; then
-  echo "clean-root-test: there is no package in build/package; run scripts/package.sh" >&2
-  exit 1
+if [[ ${1:-} != --inside ]]; then
+  here=$(. /etc/os-release && echo "$VERSION_CODENAME")
+  release=${1:-$here}
+  made=build/$release/package
+  if [[ $release == "$here" ]]; then
+    mkdir -p "$made"
+    rm -f "$made"/*.deb
+    cp build/package/*.deb "$made" 2>/dev/null || true
+  fi
+  if [[ -z $(ls "$made"/*.deb 2>/dev/null) ]]; then
+    echo "clean-root-test: there is no package for $release; run scripts/package.sh there" >&2
+    exit 1
+  fi
+  exec scripts/debian-root.sh --fresh "$release" scripts/clean-root-test.sh --inside
 fi
-if ((EUID != 0)); then
-  echo "clean-root-test: only root can make a root folder" >&2
-  exit 1
-fi
-scripts/setup.sh package
-release=$(. /etc/os-release && echo "$VERSION_CODENAME")
-mirror=$(apt-get indextargets --format '$(CODENAME) $(COMPONENT) $(SITE)' 'Created-By: Packages' |
-  sed -n "s/^$release main //p;T;q")
 
-folder=$(mktemp -d)
-trap 'rm -rf --one-file-system "$folder"' EXIT
-root=$folder/root
-scripts/quietly.sh debootstrap --variant=minbase "$release" "$root" "$mirror"
-mkdir "$root/packages"
-cp "${debs[@]}" "$root/packages"
-
-inside() {  # COMMAND...: runs it there, and shows it as a transcript does
+export DEBIAN_FRONTEND=noninteractive
+shown() {  # COMMAND...: runs it, and shows it as a transcript does
   printf '\n# %s\n' "$*"
-  chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
-    DEBIAN_FRONTEND=noninteractive "$@" 2>&1
+  "$@" 2>&1
 }
-list_files() {  # all but what the package managers write for themselves
-  (cd "$root" && find . -path ./var/cache -prune -o -path ./var/log -prune -o -path ./var/lib/apt -prune \
-    -o ! -path './var/lib/dpkg/*-old' -printf '%p %l\n') | sort
+list_files() {  # all but what is mounted here, and what the package managers write for themselves
+  find / -xdev -path /tamsel -prune -o -path /var/cache -prune -o -path /var/log -prune \
+    -o -path /var/lib/apt -prune -o ! -path '/var/lib/dpkg/*-old' -printf '%p %l\n' | sort
 }
 
-list_files >"$folder/before"
-inside apt-get update -q
-inside apt-get install -q -y --no-install-recommends "${debs[@]/#build\/package/./packages}"
-cat >"$root/packages/session.tcl" <<'END'
+list_files >/tmp/before
+shown apt-get update -q
+shown apt-get install -q -y --no-install-recommends ./build/package/*.deb
+cat >/tmp/session.tcl <<'END'
 package require Tamsel
 ecprg p
 p load /usr/share/doc/tcl-tamsel/examples/watchdog.ec
 puts [p profile]
 puts [p exp-type {elapsed + 1 > deadline}]
 END
-inside cat /packages/session.tcl
-inside bash -c 'time tclsh /packages/session.tcl' | tee "$folder/session"
-inside dpkg -L tcl-tamsel tcl-tamsel-dev
-rm "$root/packages/session.tcl"
-inside apt-get purge -q -y --autoremove tcl-tamsel tcl-tamsel-dev
-list_files >"$folder/after"
-
+shown cat /tmp/session.tcl
 failures=0
-grep -qxF 'watchdog bool bool bool : bool int int' "$folder/session" || {
-  echo "clean-root-test: the session did not show the profile" >&2
-  failures=1
-}
-diff "$folder/before" "$folder/after" || {
+others=()
+# In each shell that the package has a library for.
+for library in $(dpkg -L tcl-tamsel | grep '\.so$'); do
+  case $library in
+    */libtcl9dorvik.so) series=9.0 ;;
+    *) series=8.6 ;;
+  esac
+  if ! command -v "tclsh$series" >/dev/null; then
+    shown apt-get install -q -y --no-install-recommends "tcl$series"
+    others+=("tcl$series")
+  fi
+  shown bash -c "time tclsh$series /tmp/session.tcl" | tee /tmp/session
+  grep -qxF 'watchdog bool bool bool : bool int int' /tmp/session || {
+    echo "clean-root-test: the session in tclsh$series did not show the profile" >&2
+    failures=1
+  }
+done
+shown dpkg -L tcl-tamsel tcl-tamsel-dev
+shown apt-get purge -q -y --autoremove tcl-tamsel tcl-tamsel-dev "${others[@]}"
+list_files >/tmp/after
+diff /tmp/before /tmp/after || {
   echo "clean-root-test: removing the packages leaves the difference above" >&2
   failures=1
 }
