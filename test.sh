@@ -6,8 +6,7 @@ usage() {
   cat <<'END'
 usage: ./test.sh [--preset NAME] [CTEST ARGUMENT...]
 
-Builds Tamsel and runs its tests, as many at a time as there are cores. Tells of the tests that fail, and at
-the end how many passed. Installs what building needs; opens no window.
+Builds Tamsel and runs its tests, several at a time. Tells of the tests that fail, and at the end how many passed. Installs what building needs; opens no window.
 
   --preset NAME   what to build and test: release, debug, asan, clang, coverage, tcl9 or asan-tcl9. Without
                   it release, and then tcl9 where Tcl 9 is installed with what building for it needs
@@ -52,7 +51,8 @@ scripts/setup.sh "${sections[@]}"
 
 # The library loads only where this names an existing path.
 export QUAREL_INSTALL=${QUAREL_INSTALL:-$PWD}
-export CTEST_PARALLEL_LEVEL=${CTEST_PARALLEL_LEVEL:-$(nproc)}
+# One more than there are cores, as some tests wait most of the time.
+export CTEST_PARALLEL_LEVEL=${CTEST_PARALLEL_LEVEL:-$(($(nproc) + 1))}
 # Windows on one display would take the focus from each other.
 [[ -z ${TAMSEL_TEST_DISPLAY:-} ]] || CTEST_PARALLEL_LEVEL=1
 

@@ -52,9 +52,10 @@ proc run_shell {shell script args} {
         set status [expr {[lindex $code 0] eq "CHILDSTATUS" ? [lindex $code 2] : $code}]
     }
     list $status {*}[lmap path [list $out $err] {
-        set bytes [read_file $path]
+        set text [read_file $path]
         # Tcl 9 refuses what is none, such as a NUL of Tcl's.
-        expr {[catch {encoding convertfrom utf-8 $bytes} text] ? $bytes : $text}
+        catch {set text [encoding convertfrom utf-8 $text]}
+        set text
     }]
 }
 
