@@ -54,9 +54,13 @@ whole() {  # FOLDER
     grep -qxF "$line" "${TMPDIR:-/tmp}/said"
   done
   sed -n '/^## Installing/,/^## Commands/s/^    //p' README.md >"${TMPDIR:-/tmp}/lines"
-  bash -ec 'sudo() { "$@"; }; HOME=${HOME-$(echo ~)}; . "$1"; [[ $(tclsh8.6 <<<"puts [package require Tamsel]") == 1.0 ]]
-    man() { :; }' - "${TMPDIR:-/tmp}/lines"
-  TAMSEL_TK=0 TCLLIBPATH='' tclsh8.6 <<<'puts "installed: [package require Tamsel]"' | grep installed
+  bash -ec '
+    sudo() { "$@"; }
+    HOME=${HOME-$(echo ~)}
+    . "$1"
+    for TCLLIBPATH in "$TCLLIBPATH" ""; do TAMSEL_TK=0 tclsh8.6 <<<"puts [package require Tamsel]"; done
+    ' - "${TMPDIR:-/tmp}/lines" | tee "${TMPDIR:-/tmp}/said"
+  tail -n 2 "${TMPDIR:-/tmp}/said" | grep -cx 1.0 | grep -x 2
 }
 
 both() {
