@@ -14,12 +14,12 @@ proc read_page {file} {
     return $text
 }
 
-# doctools drops empty lines from HTML, also where they are part of an example.
-proc mark_empty_lines {text mark} {
+# Of examples, doctools drops the empty lines from HTML, and troff lines that begin as its requests do.
+proc mark_lines {text mark} {
     set inside 0
     join [lmap line [split $text \n] {
         if {[string match {\[example_*} $line]} {set inside [string match *begin* $line]}
-        expr {$inside && $line eq "" ? $mark : $line}
+        expr {$inside && [string index $line 0] in {{} '} ? "$mark$line" : $line}
     }] \n
 }
 
@@ -42,8 +42,9 @@ if {$format eq "html"} {
     manual setparam xref $links
     manual setparam meta "<meta charset=\"utf-8\"><style>$style</style>"
 }
-set mark \1
-set text [string map [list $mark {}] [manual format [mark_empty_lines [read_page $page] $mark]]]
+set mark \3
+set unmarked [expr {$format eq "nroff" ? "\\&" : ""}]
+set text [string map [list $mark $unmarked] [manual format [mark_lines [read_page $page] $mark]]]
 foreach warning [manual warnings] {puts stderr "$page: $warning"}
 if {[llength [manual warnings]] > 0} {exit 1}
 
