@@ -18,11 +18,11 @@
 #include "model/exp.h"
 #include "model/types.h"
 
-// The annotation key of the current print_exp; process-wide.
-extern int Iprint_current_mark;
+// The annotation key of the current print_exp of this thread.
+extern thread_local int Iprint_current_mark;
 
 // Which check refused the last text given to EcPrg::exp_parse.
-enum class ExpRefusal { none, syntax, name, type };
+enum class ExpRefusal { none, syntax, name, type, busy };
 
 // What a program declares.
 enum class NameKind { input, output, local, constant, function, type };

@@ -6,54 +6,47 @@
 
 namespace tamsel {
 
-bool reader_out_of_memory;
-bool reader_keeps_messages;
-
-namespace {
-
-// The name list that is being read, or was read last.
-struct ListedName {
-  int symbol;
-  int line;
-};
-std::vector<ListedName> listed_names;
+Reader& thread_reader() {
+  static thread_local Reader reader;
+  return reader;
+}
 
 // The result of `action`, or null or 0 when memory runs out under it.
 template <class Action>
-auto attempt(Action action) -> decltype(action()) {
+auto Reader::attempt(Action action) -> decltype(action()) {
   try {
     return action();
   } catch (const std::bad_alloc&) {
-    reader_out_of_memory = true;
+    out_of_memory = true;
     return decltype(action())();
   }
 }
 
 // The same for an action whose messages are about what stands at `place`.
 template <class Action>
-auto attempt_at(EcPosition place, Action action) -> decltype(action()) {
+auto Reader::attempt_at(EcPosition place, Action action) -> decltype(action()) {
   struct Place {
-    explicit Place(int line) { YY_ecprg->message_line = line; }
-    ~Place() { YY_ecprg->message_line = 0; }
+    Place(EcPrg* filled, int line) : prg(filled) { prg->message_line = line; }
+    ~Place() { prg->message_line = 0; }
+    EcPrg* prg;
   };
-  const Place about(reader_keeps_messages ? place.line : 0);
+  const Place about(YY_ecprg, keeps_messages ? place.line : 0);
   return attempt(action);
 }
 
 // Notes where `thing` is declared; null where memory ran out before it was.
 template <class Thing>
-void note_line(Thing* thing, int line) {
+static void note_line(Thing* thing, int line) {
   if (thing != nullptr) thing->line = line;
 }
 
-// Gives every name of `names`, which it takes, to `declare`, with the type called `type_name`.
 template <class Declare>
-void declare_all(IntList* names, int type_name, EcPosition type_place, Declare declare) {
+void Reader::declare_all(IntList* names, int type_name, EcPosition type_place, Declare declare) {
   std::unique_ptr<IntList> held(names);
   if (names == nullptr) return;
   attempt_at(type_place, [&] {
     EcType* type = YY_ecprg->get_named_type(type_name);
-    for (const ListedName& name : listed_names) {
+    for (const ListedName& name : listed_names_) {
       declare(name.symbol, type);
       note_line(YY_ecprg->ident(name.symbol), name.line);
     }
@@ -62,7 +55,7 @@ void declare_all(IntList* names, int type_name, EcPosition type_place, Declare d
 
 // The type of a parameter list; null where there is none of a single type's name. Takes `names`
 // where a type is made of it.
-EcType* type_of_list(std::unique_ptr<IntList>& names) {
+EcType* Reader::type_of_list(std::unique_ptr<IntList>& names) {
   if (names == nullptr) return nullptr;
   if (names->next == nullptr) return YY_ecprg->named_type(names->value);
   EcType* type = YY_ecprg->define_type(names.get());
@@ -71,7 +64,7 @@ EcType* type_of_list(std::unique_ptr<IntList>& names) {
 }
 
 // A parameter's name, its type's name, the next parameter's name and so on.
-std::unique_ptr<IntList> alternated(const IntList* names, const IntList* types) {
+static std::unique_ptr<IntList> alternated(const IntList* names, const IntList* types) {
   IntList* list = nullptr;
   std::unique_ptr<IntList> held;
   for (; names != nullptr && types != nullptr; names = names->next, types = types->next) {
@@ -84,7 +77,7 @@ std::unique_ptr<IntList> alternated(const IntList* names, const IntList* types) 
 
 // A node of the program with operands that are not null.
 template <class... Operands>
-Exp* node(ExpNature nature, int rank, Operands... operands) {
+Exp* Reader::node(ExpNature nature, int rank, Operands... operands) {
   return attempt([=] {
     Exp* const list[] = {operands...};
     return YY_ecprg->exp_heap.node(nature, sizeof...(operands), list, rank);
@@ -92,44 +85,42 @@ Exp* node(ExpNature nature, int rank, Operands... operands) {
 }
 
 // Notes where the equation stands that now defines `ident`.
-void note_equation(IdentInfo* ident, EcPosition place) {
+static void note_equation(IdentInfo* ident, EcPosition place) {
   if (ident == nullptr) return;
   if (ident->mode == OUTPUT_mode || ident->mode == LOCAL_mode) ident->equation_line = place.line;
 }
 
-}  // namespace
+void Reader::forget_names() { std::vector<ListedName>().swap(listed_names_); }
 
-void forget_names() { std::vector<ListedName>().swap(listed_names); }
-
-int intern(const char* text) {
+int Reader::intern(const char* text) {
   return attempt([&] { return YY_Symbols->add_text(text); });
 }
 
-int base_clock() { return YY_ecprg->true_clock; }
+int Reader::base_clock() { return YY_ecprg->true_clock; }
 
-IntList* new_list(int value) {
+IntList* Reader::new_list(int value) {
   return attempt([&] { return new IntList(&value, 1); });
 }
 
-IntList* new_name_list(int name, EcPosition place) {
-  listed_names.clear();
+IntList* Reader::new_name_list(int name, EcPosition place) {
+  listed_names_.clear();
   return and_name(nullptr, name, place);
 }
 
-IntList* and_name(IntList* names, int name, EcPosition place) {
+IntList* Reader::and_name(IntList* names, int name, EcPosition place) {
   IntList* cell = new_list(name);
-  if (cell != nullptr) attempt([=] { listed_names.push_back({name, place.line}); });
+  if (cell != nullptr) attempt([=] { listed_names_.push_back({name, place.line}); });
   return append(names, cell);
 }
 
-IntList* new_type_list(int type, EcPosition place) {
+IntList* Reader::new_type_list(int type, EcPosition place) {
   attempt_at(place, [=] { YY_ecprg->get_named_type(type); });
   return new_list(type);
 }
 
-void add_abstract_type(int name, EcPosition place) { add_enum_type(name, nullptr, place); }
+void Reader::add_abstract_type(int name, EcPosition place) { add_enum_type(name, nullptr, place); }
 
-void add_enum_type(int name, IntList* constants, EcPosition place) {
+void Reader::add_enum_type(int name, IntList* constants, EcPosition place) {
   std::unique_ptr<IntList> held(constants);
   attempt_at(place, [=] {
     const int known = YY_ecprg->nb_user_types;
@@ -140,12 +131,13 @@ void add_enum_type(int name, IntList* constants, EcPosition place) {
     if (YY_ecprg->nb_user_types == known) return;
     note_line(YY_ecprg->named_type(name), place.line);
     if (constants == nullptr) return;
-    for (const ListedName& constant : listed_names)
+    for (const ListedName& constant : listed_names_)
       note_line(YY_ecprg->ident(constant.symbol), constant.line);
   });
 }
 
-void add_function(int name, EcValue::Params params, EcValue::Params results, EcPosition place) {
+void Reader::add_function(int name, EcValue::Params params, EcValue::Params results,
+                          EcPosition place) {
   std::unique_ptr<IntList> param_names(params.names);
   std::unique_ptr<IntList> param_types(params.types);
   std::unique_ptr<IntList> result_names(results.names);
@@ -160,20 +152,20 @@ void add_function(int name, EcValue::Params params, EcValue::Params results, EcP
   });
 }
 
-void add_assertion(Exp* e, EcPosition place) {
+void Reader::add_assertion(Exp* e, EcPosition place) {
   attempt([=] { note_line(YY_ecprg->add_assertion(e), place.line); });
 }
 
-void add_equation(int name, Exp* e, EcPosition place) {
+void Reader::add_equation(int name, Exp* e, EcPosition place) {
   attempt_at(place, [=] { note_equation(YY_ecprg->define_ident(name, e), place); });
 }
 
-void add_tuple_equation(IntList* names, Exp* e, EcPosition place) {
+void Reader::add_tuple_equation(IntList* names, Exp* e, EcPosition place) {
   attempt_at(place, [=] {
     EcPrg& prg = *YY_ecprg;
     const size_t messages = prg.messages.size();
     const bool is_defined = prg.define_tuple(names, e) != nullptr;
-    for (const ListedName& name : listed_names) {
+    for (const ListedName& name : listed_names_) {
       if (is_defined) note_equation(prg.ident(name.symbol), place);
       // A message is about one of the names, which may stand on a line of its own.
       if (prg.messages.size() > messages && prg.messages.back().name == name.symbol)
@@ -182,51 +174,51 @@ void add_tuple_equation(IntList* names, Exp* e, EcPosition place) {
   });
 }
 
-Exp* reference(int name, EcPosition place) {
+Exp* Reader::reference(int name, EcPosition place) {
   return attempt_at(place, [=] {
     IdentInfo* ident = YY_ecprg->declared_ident(name);
     return ident != nullptr ? ident->ident_exp : nullptr;
   });
 }
 
-Exp* bool_constant(const char* text) {
+Exp* Reader::bool_constant(const char* text) {
   return attempt([=] { return YY_ecprg->get_bool_const(YY_Symbols->add_text(text)); });
 }
 
-Exp* int_constant(const char* text) {
+Exp* Reader::int_constant(const char* text) {
   return attempt([=] { return YY_ecprg->get_int_const(YY_Symbols->add_text(text)); });
 }
 
-Exp* real_constant(const char* text) {
+Exp* Reader::real_constant(const char* text) {
   return attempt([=] { return YY_ecprg->get_real_const(YY_Symbols->add_text(text)); });
 }
 
-Exp* unary(ExpNature nature, Exp* a) {
+Exp* Reader::unary(ExpNature nature, Exp* a) {
   if (a == nullptr) return nullptr;
   return node(nature, 0, a);
 }
 
-Exp* binary(ExpNature nature, Exp* a, Exp* b) {
+Exp* Reader::binary(ExpNature nature, Exp* a, Exp* b) {
   if (a == nullptr || b == nullptr) return nullptr;
   return node(nature, 0, a, b);
 }
 
-Exp* conditional(Exp* condition, Exp* then, Exp* otherwise) {
+Exp* Reader::conditional(Exp* condition, Exp* then, Exp* otherwise) {
   if (condition == nullptr || then == nullptr || otherwise == nullptr) return nullptr;
   return node(IF_n, 0, condition, then, otherwise);
 }
 
-Exp* call(int function, Exp* argument) {
+Exp* Reader::call(int function, Exp* argument) {
   if (argument == nullptr) return nullptr;
   return node(CALL_n, function, argument);
 }
 
-ExpList* new_exp_list(Exp* e) {
+ExpList* Reader::new_exp_list(Exp* e) {
   if (e == nullptr) return nullptr;
   return attempt([=] { return new ExpList(e); });
 }
 
-ExpList* and_then(ExpList* list, Exp* e) {
+ExpList* Reader::and_then(ExpList* list, Exp* e) {
   std::unique_ptr<ExpList> held(list);
   if (list == nullptr || e == nullptr) return nullptr;
   ExpList* longer = attempt([=] { return new ExpList(e, list); });
@@ -234,7 +226,7 @@ ExpList* and_then(ExpList* list, Exp* e) {
   return longer;
 }
 
-Exp* list_operator(ExpNature nature, ExpList* list) {
+Exp* Reader::list_operator(ExpNature nature, ExpList* list) {
   if (list == nullptr) return nullptr;
   std::unique_ptr<ExpList> held(list);
   return attempt([=] {
@@ -250,21 +242,25 @@ Exp* list_operator(ExpNature nature, ExpList* list) {
 using namespace tamsel;
 
 void AddUserConsts(IntList* names, int type, int clock, EcPosition type_place) {
-  declare_all(names, type, type_place,
-              [=](int name, EcType* t) { YY_ecprg->add_usr_const(name, t, clock); });
+  thread_reader().declare_all(names, type, type_place, [=](int name, EcType* t) {
+    thread_reader().YY_ecprg->add_usr_const(name, t, clock);
+  });
 }
 
 void AddInputs(IntList* names, int type, int clock, EcPosition type_place) {
-  declare_all(names, type, type_place,
-              [=](int name, EcType* t) { YY_ecprg->add_input(name, t, clock); });
+  thread_reader().declare_all(names, type, type_place, [=](int name, EcType* t) {
+    thread_reader().YY_ecprg->add_input(name, t, clock);
+  });
 }
 
 void AddOutputs(IntList* names, int type, int clock, EcPosition type_place) {
-  declare_all(names, type, type_place,
-              [=](int name, EcType* t) { YY_ecprg->add_output(name, t, clock, 0); });
+  thread_reader().declare_all(names, type, type_place, [=](int name, EcType* t) {
+    thread_reader().YY_ecprg->add_output(name, t, clock, 0);
+  });
 }
 
 void AddLocals(IntList* names, int type, int clock, EcPosition type_place) {
-  declare_all(names, type, type_place,
-              [=](int name, EcType* t) { YY_ecprg->add_local(name, t, clock); });
+  thread_reader().declare_all(names, type, type_place, [=](int name, EcType* t) {
+    thread_reader().YY_ecprg->add_local(name, t, clock);
+  });
 }

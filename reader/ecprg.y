@@ -1,16 +1,18 @@
 /* The grammar of EC text: whole files and stand-alone expressions.
 
-   The actions are the functions of reader/actions.h. An expression that could not be built is null, and so
+   The actions are those of the thread's Reader (reader/actions.h), which also holds the token's text. An expression that could not be built is null, and so
    is what encloses it. Names and numbers are interned by a rule that has the token alone on its right side:
    such a rule is reduced without a look at the next token, while ecprg_lval still holds the text. */
 
 %define api.prefix {ecprg_}
 %define api.value.type {tamsel::EcValue}
+%define api.pure full
+%param {tamsel::Reader& reader}
 %locations
 %define api.location.type {tamsel::EcPosition}
 
 %code requires {
-#include "reader/reader.h"
+#include "reader/actions.h"
 }
 
 %code top {
@@ -22,9 +24,10 @@
 %code {
 #include <algorithm>
 
-#include "reader/actions.h"
-
 using namespace tamsel;
+
+/* The parse has variables of its own. */
+#undef yynerrs
 
 /* When the stacks grow, values move by assignment. */
 #define YYCOPY(to, from, count) std::copy_n(from, count, to)
@@ -33,10 +36,21 @@ using namespace tamsel;
 #define ECPRG_LTYPE_IS_TRIVIAL 1
 /* What a rule makes stands where its first token does. */
 #define YYLLOC_DEFAULT(current, right, count) ((current) = (right)[(count) > 0 ? 1 : 0])
+
+/* The token's value stays with the reader: see EcValue. */
+static int ecprg_lex(EcValue*, EcPosition* place, Reader& reader) {
+  const int token = reader.ecprg_char = reader.lex(place);
+  if (token == -1) reader.token_place = *place;
+  return token;
 }
 
-/* Bison leaves the count of the parse before. */
-%initial-action { yynerrs = 0; }
+static void ecprg_error(const EcPosition* place, Reader& reader, const char* message) {
+  reader.token_place = *place;
+  reader.report_syntax_error(message);
+}
+}
+
+%initial-action { yylval.params = {}; }
 
 %token START_EC 258
 %token START_EXP 259
@@ -104,7 +118,7 @@ using namespace tamsel;
 
 input
   : START_EC ec_file
-  | START_EXP exp { ecexp = $2; }
+  | START_EXP exp { reader.ecexp = $2; }
   ;
 
 ec_file
@@ -136,7 +150,7 @@ const_list
 
 const_item
   : '(' ident_list ':' type_ref ')' "when" clock { AddUserConsts($2, $4, $7, @4); }
-  | ident_list ':' type_ref { AddUserConsts($1, $3, base_clock(), @3); }
+  | ident_list ':' type_ref { AddUserConsts($1, $3, reader.base_clock(), @3); }
   ;
 
 type_ref
@@ -145,9 +159,9 @@ type_ref
   ;
 
 base_type
-  : "bool" { $$ = intern("bool"); }
-  | "int" { $$ = intern("int"); }
-  | "real" { $$ = intern("real"); }
+  : "bool" { $$ = reader.intern("bool"); }
+  | "int" { $$ = reader.intern("int"); }
+  | "real" { $$ = reader.intern("real"); }
   ;
 
 named_type
@@ -156,7 +170,7 @@ named_type
 
 clock
   : ident
-  | "true" { $$ = intern("true"); }
+  | "true" { $$ = reader.intern("true"); }
   ;
 
 type_decl
@@ -175,20 +189,20 @@ type_item
   ;
 
 abstract_type
-  : ident { add_abstract_type($1, @1); }
+  : ident { reader.add_abstract_type($1, @1); }
   ;
 
 enum_type
-  : ident '=' '(' ident_list ')' { add_enum_type($1, $4, @1); }
+  : ident '=' '(' ident_list ')' { reader.add_enum_type($1, $4, @1); }
   ;
 
 ident
-  : IDENT { $$ = intern(ecprg_lval.text); }
+  : IDENT { $$ = reader.intern(reader.ecprg_lval.text); }
   ;
 
 func_decl
   : "function" ident '(' param_list ')' "returns" '(' param_list ')' opt_end
-    { add_function($2, $4, $8, @2); }
+    { reader.add_function($2, $4, $8, @2); }
   ;
 
 param_list
@@ -198,7 +212,7 @@ param_list
   ;
 
 param
-  : ident ':' type_ref { $$.names = new_list($1); $$.types = new_type_list($3, @3); }
+  : ident ':' type_ref { $$.names = reader.new_list($1); $$.types = reader.new_type_list($3, @3); }
   ;
 
 opt_end
@@ -213,7 +227,7 @@ node_decl
   ;
 
 node_header
-  : ident '(' input_list ')' "returns" '(' output_list ')' ';' { YY_ecprg->name = $1; }
+  : ident '(' input_list ')' "returns" '(' output_list ')' ';' { reader.YY_ecprg->name = $1; }
   ;
 
 input_list
@@ -223,7 +237,7 @@ input_list
 
 input_item
   : '(' ident_list ':' type_ref ')' "when" clock { AddInputs($2, $4, $7, @4); }
-  | ident_list ':' type_ref { AddInputs($1, $3, base_clock(), @3); }
+  | ident_list ':' type_ref { AddInputs($1, $3, reader.base_clock(), @3); }
   ;
 
 output_list
@@ -233,7 +247,7 @@ output_list
 
 output_item
   : '(' ident_list ':' type_ref ')' "when" clock { AddOutputs($2, $4, $7, @4); }
-  | ident_list ':' type_ref { AddOutputs($1, $3, base_clock(), @3); }
+  | ident_list ':' type_ref { AddOutputs($1, $3, reader.base_clock(), @3); }
   ;
 
 opt_locals
@@ -248,7 +262,7 @@ local_list
 
 local_item
   : '(' ident_list ':' type_ref ')' "when" clock { AddLocals($2, $4, $7, @4); }
-  | ident_list ':' type_ref { AddLocals($1, $3, base_clock(), @3); }
+  | ident_list ':' type_ref { AddLocals($1, $3, reader.base_clock(), @3); }
   ;
 
 body
@@ -262,72 +276,72 @@ stmt_list
   ;
 
 stmt
-  : "assert" exp ';' { add_assertion($2, @1); }
-  | ident '=' exp ';' { add_equation($1, $3, @1); }
-  | '(' ident_list ')' '=' exp ';' { add_tuple_equation($2, $5, @1); }
+  : "assert" exp ';' { reader.add_assertion($2, @1); }
+  | ident '=' exp ';' { reader.add_equation($1, $3, @1); }
+  | '(' ident_list ')' '=' exp ';' { reader.add_tuple_equation($2, $5, @1); }
   ;
 
 ident_list
-  : ident { $$ = new_name_list($1, @1); }
-  | ident_list ',' ident { $$ = and_name($1, $3, @3); }
+  : ident { $$ = reader.new_name_list($1, @1); }
+  | ident_list ',' ident { $$ = reader.and_name($1, $3, @3); }
   ;
 
 exp
   : '(' exp ')' { $$ = $2; }
   | constant
-  | ident { $$ = reference($1, @1); }
-  | "not" exp { $$ = unary(NOT_n, $2); }
-  | "int" exp { $$ = unary(REAL2INT_n, $2); }
-  | "real" exp { $$ = unary(INT2REAL_n, $2); }
-  | '-' exp %prec UNARY_MINUS { $$ = unary(UMINUS_n, $2); }
-  | "pre" exp { $$ = unary(PRE_n, $2); }
-  | "current" exp { $$ = unary(CURRENT_n, $2); }
-  | exp "->" exp { $$ = binary(ARROW_n, $1, $3); }
-  | exp "when" exp { $$ = binary(WHEN_n, $1, $3); }
-  | "if" exp "then" exp "else" exp { $$ = conditional($2, $4, $6); }
-  | exp "xor" exp { $$ = binary(XOR_n, $1, $3); }
-  | exp "or" exp { $$ = binary(OR_n, $1, $3); }
-  | exp "and" exp { $$ = binary(AND_n, $1, $3); }
-  | exp "=>" exp { $$ = binary(IMPL_n, $1, $3); }
-  | exp '=' exp { $$ = binary(EQUAL_n, $1, $3); }
-  | exp "<>" exp { $$ = binary(NEQ_n, $1, $3); }
-  | exp '<' exp { $$ = binary(LT_n, $1, $3); }
-  | exp "<=" exp { $$ = binary(LTE_n, $1, $3); }
-  | exp ">=" exp { $$ = binary(GTE_n, $1, $3); }
-  | exp '>' exp { $$ = binary(GT_n, $1, $3); }
-  | exp '*' exp { $$ = binary(TIMES_n, $1, $3); }
-  | exp '/' exp { $$ = binary(SLASH_n, $1, $3); }
-  | exp '%' exp { $$ = binary(MOD_n, $1, $3); }
-  | exp "mod" exp { $$ = binary(MOD_n, $1, $3); }
-  | exp "div" exp { $$ = binary(DIV_n, $1, $3); }
-  | exp '+' exp { $$ = binary(PLUS_n, $1, $3); }
-  | exp '-' exp { $$ = binary(MINUS_n, $1, $3); }
-  | exp "**" exp { $$ = binary(POWER_n, $1, $3); }
+  | ident { $$ = reader.reference($1, @1); }
+  | "not" exp { $$ = reader.unary(NOT_n, $2); }
+  | "int" exp { $$ = reader.unary(REAL2INT_n, $2); }
+  | "real" exp { $$ = reader.unary(INT2REAL_n, $2); }
+  | '-' exp %prec UNARY_MINUS { $$ = reader.unary(UMINUS_n, $2); }
+  | "pre" exp { $$ = reader.unary(PRE_n, $2); }
+  | "current" exp { $$ = reader.unary(CURRENT_n, $2); }
+  | exp "->" exp { $$ = reader.binary(ARROW_n, $1, $3); }
+  | exp "when" exp { $$ = reader.binary(WHEN_n, $1, $3); }
+  | "if" exp "then" exp "else" exp { $$ = reader.conditional($2, $4, $6); }
+  | exp "xor" exp { $$ = reader.binary(XOR_n, $1, $3); }
+  | exp "or" exp { $$ = reader.binary(OR_n, $1, $3); }
+  | exp "and" exp { $$ = reader.binary(AND_n, $1, $3); }
+  | exp "=>" exp { $$ = reader.binary(IMPL_n, $1, $3); }
+  | exp '=' exp { $$ = reader.binary(EQUAL_n, $1, $3); }
+  | exp "<>" exp { $$ = reader.binary(NEQ_n, $1, $3); }
+  | exp '<' exp { $$ = reader.binary(LT_n, $1, $3); }
+  | exp "<=" exp { $$ = reader.binary(LTE_n, $1, $3); }
+  | exp ">=" exp { $$ = reader.binary(GTE_n, $1, $3); }
+  | exp '>' exp { $$ = reader.binary(GT_n, $1, $3); }
+  | exp '*' exp { $$ = reader.binary(TIMES_n, $1, $3); }
+  | exp '/' exp { $$ = reader.binary(SLASH_n, $1, $3); }
+  | exp '%' exp { $$ = reader.binary(MOD_n, $1, $3); }
+  | exp "mod" exp { $$ = reader.binary(MOD_n, $1, $3); }
+  | exp "div" exp { $$ = reader.binary(DIV_n, $1, $3); }
+  | exp '+' exp { $$ = reader.binary(PLUS_n, $1, $3); }
+  | exp '-' exp { $$ = reader.binary(MINUS_n, $1, $3); }
+  | exp "**" exp { $$ = reader.binary(POWER_n, $1, $3); }
   | call
-  | '#' '(' exp_list ')' { $$ = list_operator(DIESE_n, $3); }
-  | "nor" '(' exp_list_elt ')' { $$ = list_operator(NOR_n, $3); }
-  | '(' exp_list ')' { $$ = list_operator(TUPLE_n, $2); }
+  | '#' '(' exp_list ')' { $$ = reader.list_operator(DIESE_n, $3); }
+  | "nor" '(' exp_list_elt ')' { $$ = reader.list_operator(NOR_n, $3); }
+  | '(' exp_list ')' { $$ = reader.list_operator(TUPLE_n, $2); }
   ;
 
 call
-  : ident '(' exp ')' { $$ = call($1, $3); }
-  | ident '(' exp_list ')' { $$ = call($1, list_operator(TUPLE_n, $3)); }
+  : ident '(' exp ')' { $$ = reader.call($1, $3); }
+  | ident '(' exp_list ')' { $$ = reader.call($1, reader.list_operator(TUPLE_n, $3)); }
   ;
 
 exp_list
-  : exp_list_elt ',' exp { $$ = and_then($1, $3); }
+  : exp_list_elt ',' exp { $$ = reader.and_then($1, $3); }
   ;
 
 exp_list_elt
-  : exp { $$ = new_exp_list($1); }
+  : exp { $$ = reader.new_exp_list($1); }
   | exp_list
   ;
 
 constant
-  : "true" { $$ = bool_constant("true"); }
-  | "false" { $$ = bool_constant("false"); }
-  | INTCONST { $$ = int_constant(ecprg_lval.text); }
-  | REALCONST { $$ = real_constant(ecprg_lval.text); }
+  : "true" { $$ = reader.bool_constant("true"); }
+  | "false" { $$ = reader.bool_constant("false"); }
+  | INTCONST { $$ = reader.int_constant(reader.ecprg_lval.text); }
+  | REALCONST { $$ = reader.real_constant(reader.ecprg_lval.text); }
   ;
 
 %%

@@ -9,19 +9,9 @@
 #include "ecprg.tab.h"
 #include "foundation/text.h"
 #include "foundation/wordindex.h"
-#include "reader/reader.h"
+#include "reader/actions.h"
 
 using namespace tamsel;
-
-int carcour;
-int yyline = 1;
-const char* YY_instring;
-FILE* YY_infile;
-int YYLEX_BOOT;
-int YY_result;
-char tamsel::lexical_message[1024];
-char buffer[1024];
-char lexemeBuff[1024];
 
 namespace {
 
@@ -115,40 +105,34 @@ bool continues_name(int c) {
   return begins == Begins::name || begins == Begins::number;
 }
 
-// For the column of a token: what was asked for since the scan began, the current character
-// included, and how much of it stands before the current line or is no character of its own.
-long long asked_for;
-long long not_in_column;
-
 // The bytes of a character of UTF-8 behind its first.
 bool continues_character(int c) { return (c & 0xC0) == 0x80; }
 
-void note_token() {
-  const long long column = std::min<long long>(asked_for - not_in_column, INT_MAX);
-  ecprg_lloc = EcPosition(yyline, static_cast<int>(column));
+}  // namespace
+
+EcPosition Scanner::place() const {
+  const long long column = std::min<long long>(asked_for_ - not_in_column_, INT_MAX);
+  return EcPosition(yyline, static_cast<int>(column));
 }
 
 // Reads by one thread, as all of the reader, so a character needs no lock. Inline: most of the time
 // of a scan is spent here.
-inline int next_character() {
+inline int Scanner::next_character() {
   int c = -1;  // at the end of a string, and stay there
   if (YY_instring == nullptr)
     c = getc_unlocked(YY_infile);
   else if (*YY_instring != '\0')
     c = static_cast<unsigned char>(*YY_instring++);
-  ++asked_for;
+  ++asked_for_;
   if (c == '\n') {
-    ++yyline;
-    not_in_column = asked_for;
+    if (yyline < INT_MAX) ++yyline;
+    not_in_column_ = asked_for_;
   }
   return c;
 }
 
-int advance() { return carcour = next_character(); }
-
 // Reports an error, which ends the scan.
-PRINTF_LIKE(1, 2)
-int lexical_error(const char* format, ...) {
+int Scanner::lexical_error(const char* format, ...) {
   va_list args;
   va_start(args, format);
   std::vsnprintf(lexical_message, sizeof lexical_message, format, args);
@@ -157,41 +141,44 @@ int lexical_error(const char* format, ...) {
   return -1;
 }
 
-int unknown_character() {
+int Scanner::unknown_character() {
   const char shown[] = {static_cast<char>(carcour), '\0'};
   return lexical_error("lexical error: unknown char '%d' (%s), line '%d'", carcour,
                        carcour == 0 ? "\\0" : shown, yyline);
 }
 
 // The lexeme in `buffer`. No lexeme is ever cut: one that does not fit is an error of the text.
-class Lexeme {
+class Scanner::Lexeme {
  public:
+  explicit Lexeme(Scanner& scanner) : scanner_(scanner) {}
   void take() {  // the current character
-    if (size_ < sizeof buffer - 1)
-      buffer[size_++] = static_cast<char>(carcour);
+    if (size_ < sizeof scanner_.buffer - 1)
+      scanner_.buffer[size_++] = static_cast<char>(scanner_.carcour);
     else
       fits_ = false;
-    advance();
+    scanner_.advance();
   }
   void take_digits() {
-    while (is_digit(carcour)) take();
+    while (is_digit(scanner_.carcour)) take();
   }
-  std::string_view text() const { return {buffer, size_}; }
+  std::string_view text() const { return {scanner_.buffer, size_}; }
   // Delivers `token`, with the text as its value where `carries_text`.
   int deliver(int token, bool carries_text) {
-    if (!fits_) return lexical_error("lexical error: lexeme too long, line '%d'", yyline);
-    buffer[size_] = '\0';
-    if (carries_text) std::memcpy(ecprg_lval.text, buffer, size_ + 1);
-    return YY_result = token;
+    if (!fits_)
+      return scanner_.lexical_error("lexical error: lexeme too long, line '%d'", scanner_.yyline);
+    scanner_.buffer[size_] = '\0';
+    if (carries_text) std::memcpy(scanner_.ecprg_lval.text, scanner_.buffer, size_ + 1);
+    return scanner_.YY_result = token;
   }
 
  private:
+  Scanner& scanner_;
   size_t size_ = 0;
   bool fits_ = true;
 };
 
-int number() {
-  Lexeme lexeme;
+int Scanner::number() {
+  Lexeme lexeme(*this);
   int token = INTCONST;
   lexeme.take_digits();
   if (carcour == '.') {
@@ -210,8 +197,8 @@ int number() {
   return lexeme.deliver(token, true);
 }
 
-int name_or_keyword() {
-  Lexeme lexeme;
+int Scanner::name_or_keyword() {
+  Lexeme lexeme(*this);
   while (continues_name(carcour)) lexeme.take();
   const Keyword* keyword = keyword_index.find(lexeme.text());
   if (keyword != nullptr) return lexeme.deliver(keyword->token, keyword->carries_text);
@@ -219,23 +206,23 @@ int name_or_keyword() {
 }
 
 // Stands on the "*" that opens it, which may also begin the end: "(*)" is a comment.
-void skip_block_comment() {
+void Scanner::skip_block_comment() {
   int before;
   do {
     before = carcour;
     if (advance() == -1) return;
-    if (continues_character(carcour)) ++not_in_column;
+    if (continues_character(carcour)) ++not_in_column_;
   } while (before != '*' || carcour != ')');
   advance();
 }
 
-void skip_line_comment() {
+void Scanner::skip_line_comment() {
   while (carcour != '\n' && carcour != -1) advance();
   if (carcour == '\n') advance();
 }
 
 // Skips a comment, or delivers a token of one or two characters. False where it was a comment.
-bool comment_or_sign() {
+bool Scanner::comment_or_sign() {
   const char first = static_cast<char>(carcour);
   advance();
   buffer[0] = first;
@@ -256,24 +243,23 @@ bool comment_or_sign() {
   return true;
 }
 
-}  // namespace
-
-int GetChar(int* c) { return *c = next_character(); }
-
-static int start_scan(int boot, FILE* f, const char* text) {
+int Scanner::start_scan(int boot, FILE* f, const char* text) {
   YYLEX_BOOT = boot;
   lexical_message[0] = '\0';
   yyline = 1;
   YY_instring = text;
   YY_infile = f;
-  asked_for = not_in_column = 0;
+  asked_for_ = not_in_column_ = 0;
   return advance() != -1;
 }
 
-int yylexInitFile(int boot, FILE* f) { return start_scan(boot, f, nullptr); }
-int yylexInitString(int boot, const char* text) { return start_scan(boot, nullptr, text); }
+void Scanner::end_scan() {
+  YY_infile = nullptr;
+  YY_instring = "";
+  carcour = -1;
+}
 
-int ecprg_lex() {
+int Scanner::lex(EcPosition* token) {
   YY_result = YYLEX_BOOT;
   YYLEX_BOOT = 0;
   if (YY_result != 0) return YY_result;
@@ -283,25 +269,40 @@ int ecprg_lex() {
         advance();
         break;
       case Begins::number:
-        note_token();
+        *token = place();
         return number();
       case Begins::name:
-        note_token();
+        *token = place();
         return name_or_keyword();
       case Begins::single:
-        note_token();
+        *token = place();
         YY_result = carcour;
         advance();
         return YY_result;
       case Begins::longer:
-        note_token();
+        *token = place();
         if (comment_or_sign()) return YY_result;
         break;
       case Begins::nothing:
-        note_token();
+        *token = place();
         return carcour == -1 ? -1 : unknown_character();
     }
   }
+}
+
+int GetChar(int* c) { return *c = thread_reader().next_character(); }
+
+int yylexInitFile(int boot, FILE* f) {
+  return thread_reader().is_busy ? 0 : thread_reader().start_scan(boot, f, nullptr);
+}
+
+int yylexInitString(int boot, const char* text) {
+  return thread_reader().is_busy ? 0 : thread_reader().start_scan(boot, nullptr, text);
+}
+
+int ecprg_lex() {
+  Reader& reader = thread_reader();
+  return reader.lex(&reader.token_place);
 }
 
 const char* printLexeme(int token) {
@@ -322,12 +323,19 @@ int EcLexTest(SymbolTable* symbols, const char* path) {
     std::fprintf(stderr, "EcLexTest : Can't open file '%s'\n", path);
     return 1;
   }
-  YY_Symbols = symbols;
-  yylexInitFile(START_EC, file);
-  ecprg_lex();
-  for (int token = ecprg_lex(); token != -1; token = ecprg_lex())
+  Reader& reader = thread_reader();
+  if (reader.is_busy) {
+    std::fclose(file);
+    std::fprintf(stderr, "EcLexTest : %s\n", busy_message);
+    return 1;
+  }
+  reader.YY_Symbols = symbols;
+  reader.start_scan(START_EC, file, nullptr);
+  reader.lex(&reader.token_place);
+  for (int token = reader.lex(&reader.token_place); token != -1;
+       token = reader.lex(&reader.token_place))
     std::fputs(printLexeme(token), stdout);
+  reader.end_scan();
   std::fclose(file);
-  YY_infile = nullptr;
   return 0;
 }

@@ -7,37 +7,75 @@
 
 using namespace tamsel;
 
-EcPrg* YY_ecprg;
-SymbolTable* YY_Symbols;
-Exp* ecexp;
+thread_local int& carcour = thread_reader().carcour;
+thread_local int& yyline = thread_reader().yyline;
+thread_local const char*& YY_instring = thread_reader().YY_instring;
+thread_local FILE*& YY_infile = thread_reader().YY_infile;
+thread_local int& YYLEX_BOOT = thread_reader().YYLEX_BOOT;
+thread_local int& YY_result = thread_reader().YY_result;
+thread_local char (&buffer)[1024] = thread_reader().buffer;
+thread_local char (&lexemeBuff)[1024] = thread_reader().lexemeBuff;
+thread_local EcPrg*& YY_ecprg = thread_reader().YY_ecprg;
+thread_local SymbolTable*& YY_Symbols = thread_reader().YY_Symbols;
+thread_local Exp*& ecexp = thread_reader().ecexp;
+thread_local EcValue& ecprg_lval = thread_reader().ecprg_lval;
+thread_local int& ecprg_char = thread_reader().ecprg_char;
+thread_local int& ecprg_nerrs = thread_reader().ecprg_nerrs;
 
-void ecprg_error(const char* message) {
+EcPosition tamsel::token_place() { return thread_reader().token_place; }
+
+void tamsel::prepare_reader() { thread_reader(); }
+
+bool tamsel::reader_is_busy() { return thread_reader().is_busy; }
+
+void Reader::report_syntax_error(const char* message) {
   if (YY_ecprg != nullptr)
     YY_ecprg->error("%s line %d near '%s'", message, yyline, printLexeme(YY_result));
 }
 
-// Parses `f`, or `text` where `f` is null.
-static int parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const char* text) {
+void ecprg_error(const char* message) { thread_reader().report_syntax_error(message); }
+
+int ecprg_parse() { return ecprg_parse(thread_reader()); }
+
+void Reader::end_parse() {
+  YY_ecprg = nullptr;
+  YY_Symbols = nullptr;
+  end_scan();
+  forget_names();
+  is_busy = false;
+}
+
+// Parses `f`, or `text` where `f` is null. Not to be called while the reader is busy.
+int Reader::parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const char* text) {
+  struct Turn {
+    ~Turn() { reader.end_parse(); }
+    Reader& reader;
+  };
   YY_ecprg = prg;
   YY_Symbols = symbols;
   ecexp = nullptr;
-  reader_out_of_memory = false;
-  reader_keeps_messages = boot == START_EC;
-  if (f != nullptr)
-    yylexInitFile(boot, f);
-  else
-    yylexInitString(boot, text);
-  const int result = ecprg_parse();
-  YY_ecprg = nullptr;
-  YY_Symbols = nullptr;
-  YY_infile = nullptr;
-  YY_instring = nullptr;
-  forget_names();
-  if (reader_out_of_memory) throw std::bad_alloc();
+  ecprg_char = -2;
+  ecprg_nerrs = 0;
+  out_of_memory = false;
+  keeps_messages = boot == START_EC;
+  start_scan(boot, f, text);
+  is_busy = true;
+  const int result = [this] {
+    const Turn turn{*this};
+    return ecprg_parse(*this);
+  }();
+  ecprg_nerrs = result == 1;  // the first ends the parse
+  if (out_of_memory) throw std::bad_alloc();
   // Behind a whole program a lexical error ends the text, and the grammar does not complain.
   if (result == 0 && boot == START_EC && lexical_message[0] != '\0')
-    prg->messages.push_back({lexical_message, 0, ecprg_lloc.line});
+    prg->messages.push_back({lexical_message, 0, token_place.line});
   return result;
+}
+
+static int read_program(EcPrg* prg, SymbolTable* symbols, FILE* f, const char* text) {
+  Reader& reader = thread_reader();
+  if (reader.is_busy) return prg->error("%s", busy_message);
+  return reader.parse(prg, symbols, START_EC, f, text);
 }
 
 // Reads one expression into `*out` and tells what refused it. A lexical error ends the text, and
@@ -46,11 +84,17 @@ static int parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const char
 static ExpRefusal read_expression(EcPrg* prg, SymbolTable* symbols, FILE* f, const char* text,
                                   Exp** out) {
   *out = nullptr;
-  const int result = parse(prg, symbols, START_EXP, f, text);
-  if (lexical_message[0] != '\0') prg->error("%s", lexical_message);
-  if (result != 0 || lexical_message[0] != '\0') return ExpRefusal::syntax;
-  *out = ecexp;
-  return ecexp != nullptr ? ExpRefusal::none : ExpRefusal::name;
+  Reader& reader = thread_reader();
+  if (reader.is_busy) {
+    prg->error("%s", busy_message);
+    return ExpRefusal::busy;
+  }
+  const int result = reader.parse(prg, symbols, START_EXP, f, text);
+  const bool is_cut = reader.lexical_message[0] != '\0';
+  if (is_cut) prg->error("%s", reader.lexical_message);
+  if (result != 0 || is_cut) return ExpRefusal::syntax;
+  *out = reader.ecexp;
+  return *out != nullptr ? ExpRefusal::none : ExpRefusal::name;
 }
 
 int EcParse(EcPrg* prg, SymbolTable* symbols, const char* path) {
@@ -64,11 +108,11 @@ int EcParse(EcPrg* prg, SymbolTable* symbols, const char* path) {
 }
 
 int EcParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f) {
-  return parse(prg, symbols, START_EC, f, nullptr);
+  return read_program(prg, symbols, f, nullptr);
 }
 
 int tamsel::EcParseString(EcPrg* prg, SymbolTable* symbols, const char* text) {
-  return parse(prg, symbols, START_EC, nullptr, text);
+  return read_program(prg, symbols, nullptr, text);
 }
 
 int EcExpParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f, Exp** out) {

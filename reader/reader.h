@@ -1,6 +1,6 @@
 // reader/reader.h: reads EC text, whole files and single expressions, into a program.
 //
-// The state of the reader is global: one parse at a time, on one thread. A text of any size and
+// Each thread has a reader of its own, which reads one text at a time. A text of any size and
 // content ends in a result or in a message of the program (EcPrg::error); bad_alloc may be thrown,
 // with all that the reader held released.
 #ifndef READER_READER_H
@@ -59,8 +59,16 @@ struct EcValue {
 int EcParse(EcPrg* prg, SymbolTable* symbols, const char* path);
 int EcParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f);
 namespace tamsel {
+// A text that is given while another is read on the same thread, as a script of Ctrl-C can do, is
+// refused with this message, and nothing else happens.
+constexpr char busy_message[] = "the reader is busy";
+bool reader_is_busy();
+// Makes the reader of this thread, which otherwise is made at first use: where there is no memory
+// for it, the system ends the process.
+void prepare_reader();
+
 int EcParseString(EcPrg* prg, SymbolTable* symbols, const char* text);
-}
+}  // namespace tamsel
 // Read one expression. `*out` is the expression, owned by `prg`, or null after any error.
 int EcExpParseFile(EcPrg* prg, SymbolTable* symbols, FILE* f, Exp** out);
 int EcExpParseString(EcPrg* prg, SymbolTable* symbols, const char* text, Exp** out);
@@ -71,14 +79,15 @@ int EcLexTest(SymbolTable* symbols, const char* path);
 
 // --- The lexer.
 
-extern int carcour;              // the look-ahead character; -1 at the end
-extern int yyline;               // line of that character, from 1
-extern const char* YY_instring;  // what is left of the string being read; null for a file
-extern FILE* YY_infile;          // the file being read; null for a string
-extern int YYLEX_BOOT;           // token to deliver before any text; 0: none
-extern int YY_result;            // the token last delivered; 0 at the end or after an error
-extern char buffer[1024];        // the lexeme being assembled
-extern char lexemeBuff[1024];    // room for printLexeme
+extern thread_local int& carcour;  // the look-ahead character; -1 at the end
+extern thread_local int& yyline;   // line of that character, from 1
+extern thread_local const char*&
+    YY_instring;                       // what is left of the string being read; null for a file
+extern thread_local FILE*& YY_infile;  // the file being read; null for a string
+extern thread_local int& YYLEX_BOOT;   // token to deliver before any text; 0: none
+extern thread_local int& YY_result;    // the token last delivered; 0 at the end or after an error
+extern thread_local char (&buffer)[1024];      // the lexeme being assembled
+extern thread_local char (&lexemeBuff)[1024];  // room for printLexeme
 
 // Begin a scan at line 1 with the boot token armed. They return 1, or 0 where the text is empty.
 int yylexInitFile(int boot, FILE* f);
@@ -90,20 +99,19 @@ int ecprg_lex();
 // A token as text, for messages; valid until the next call or token.
 const char* printLexeme(int token);
 
-namespace tamsel {
-extern char lexical_message[1024];  // message of the error that ended the scan; empty: none
-}
-
 // --- The parser.
 
-extern EcPrg* YY_ecprg;             // the program being filled; null: reports go nowhere
-extern SymbolTable* YY_Symbols;     // where names are interned
-extern Exp* ecexp;                  // the expression that was read
-extern tamsel::EcValue ecprg_lval;  // value of the current token
-extern tamsel::EcPosition
-    ecprg_lloc;          // where that token begins; at the end, behind the last character
-extern int ecprg_char;   // the look-ahead token; -2: none
-extern int ecprg_nerrs;  // syntax errors of the current parse
+extern thread_local EcPrg*& YY_ecprg;          // the program being filled; null: reports go nowhere
+extern thread_local SymbolTable*& YY_Symbols;  // where names are interned
+extern thread_local Exp*& ecexp;               // the expression that was read
+extern thread_local tamsel::EcValue& ecprg_lval;  // value of the current token
+extern thread_local int& ecprg_char;              // the look-ahead token; -2: none
+extern thread_local int& ecprg_nerrs;             // syntax errors of the current parse
+
+// Where that token begins; at the end, behind the last character.
+namespace tamsel {
+EcPosition token_place();
+}
 
 int ecprg_parse();
 // Reports `message` with the line and the token at which it stands.

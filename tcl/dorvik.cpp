@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "foundation/errors.h"
+#include "reader/reader.h"
 #include "tcl/ensemble.h"
 #include "tcl/tcl_init_quarel.h"
 #include "tcl/tcl_timer.h"
@@ -135,6 +136,7 @@ int provide_package(Tcl_Interp* interp) {
   if (Tcl_PkgProvideEx(interp, "Tamsel", TAMSEL_VERSION, nullptr) != TCL_OK) return TCL_ERROR;
   if (Tcl_InitQuarel(interp) != TCL_OK) return TCL_ERROR;
   if (TimeHandler_Init(interp) != 0) return TCL_ERROR;
+  prepare_reader();
   return run_command(interp, [=] { return run_dorvik_Init(interp) == 0 ? TCL_OK : TCL_ERROR; });
 }
 

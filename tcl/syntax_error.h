@@ -21,8 +21,8 @@ class SyntaxError {
  private:
   const char* message_;
   std::string line_ = std::to_string(yyline);
-  std::string token_line_ = std::to_string(ecprg_lloc.line);
-  std::string token_column_ = std::to_string(ecprg_lloc.column);
+  std::string token_line_ = std::to_string(tamsel::token_place().line);
+  std::string token_column_ = std::to_string(tamsel::token_place().column);
 };
 
 #endif

@@ -21,7 +21,7 @@ struct TimeHandler {
   bool running;  // the script is being evaluated, and whoever does that deletes the record
 };
 
-TimeHandler* TimeHandler_list;  // newest first
+thread_local TimeHandler* TimeHandler_list;  // of this thread, newest first
 
 void unlink_record(const TimeHandler* record) {
   TimeHandler** place = &TimeHandler_list;

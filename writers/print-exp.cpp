@@ -10,7 +10,7 @@
 
 using namespace tamsel;
 
-int Iprint_current_mark;
+thread_local int Iprint_current_mark;
 
 namespace {
 
