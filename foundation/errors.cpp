@@ -4,13 +4,13 @@
 #include <cstdio>
 #include <cstdlib>
 
-int VERBOSE = 0;
-int PIPE = 0;
-const char* TOOL_NAME = " ";
-int nb_global_error = 0;
+std::atomic<int> VERBOSE{0};
+std::atomic<int> PIPE{0};
+std::atomic<const char*> TOOL_NAME{" "};
+std::atomic<int> nb_global_error{0};
 char WHEEL[4] = {'|', '/', '-', '\\'};
-int WHEEL_INDEX = 0;
-int WHEEL_STEP = 1;
+std::atomic<int> WHEEL_INDEX{0};
+std::atomic<int> WHEEL_STEP{1};
 
 void set_verbose_mode() { set_verbose_mode(1); }
 
@@ -60,9 +60,10 @@ int VerboseWheel(int period) {
     return VERBOSE;
   }
   WHEEL_STEP = 0;
-  fprintf(stderr, "%c\b", WHEEL[WHEEL_INDEX]);
+  const int index = WHEEL_INDEX;
+  WHEEL_INDEX = (index + 1) % 4;
+  fprintf(stderr, "%c\b", WHEEL[index]);
   fflush(stderr);
-  WHEEL_INDEX = (WHEEL_INDEX + 1) % 4;
   return VERBOSE;
 }
 
@@ -82,7 +83,7 @@ void IError(const char* format, ...) {
 }
 
 void Error(const char* format, ...) {
-  fprintf(stderr, "%s Error :\n", TOOL_NAME);
+  fprintf(stderr, "%s Error :\n", TOOL_NAME.load());
   va_list args;
   va_start(args, format);
   print_message(format, args);
@@ -91,7 +92,7 @@ void Error(const char* format, ...) {
 }
 
 void Warning(const char* format, ...) {
-  fprintf(stderr, "%s Warning :\n", TOOL_NAME);
+  fprintf(stderr, "%s Warning :\n", TOOL_NAME.load());
   va_list args;
   va_start(args, format);
   print_message(format, args);
@@ -110,6 +111,6 @@ int GErrors() { return nb_global_error; }
 
 void GErrorRecover() {
   if (nb_global_error == 0) return;
-  fprintf(stderr, "*** %d Errors stop\n", nb_global_error);
+  fprintf(stderr, "*** %d Errors stop\n", GErrors());
   exit(1);
 }

@@ -1,18 +1,20 @@
 // foundation/errors.h: progress messages under a verbosity level, and reports of errors.
 //
-// Everything goes to standard error. The state is process-wide and for one thread.
+// Everything goes to standard error. The state is the process's, for all threads.
 #ifndef FOUNDATION_ERRORS_H
 #define FOUNDATION_ERRORS_H
 
+#include <atomic>
+
 #include "foundation/text.h"
 
-extern int VERBOSE;            // verbosity level; 0 is silent
-extern int PIPE;               // 1: a program reads standard error
-extern const char* TOOL_NAME;  // in the headers of errors and warnings; borrowed
-extern int nb_global_error;    // counted by GError
-extern char WHEEL[4];          // the characters of the progress wheel, in turn
-extern int WHEEL_INDEX;        // the one to draw next
-extern int WHEEL_STEP;         // calls since the wheel last moved
+extern std::atomic<int> VERBOSE;            // verbosity level; 0 is silent
+extern std::atomic<int> PIPE;               // 1: a program reads standard error
+extern std::atomic<const char*> TOOL_NAME;  // in the headers of errors and warnings; borrowed
+extern std::atomic<int> nb_global_error;    // counted by GError
+extern char WHEEL[4];                       // the characters of the progress wheel, in turn
+extern std::atomic<int> WHEEL_INDEX;        // the one to draw next
+extern std::atomic<int> WHEEL_STEP;         // calls since the wheel last moved
 
 void set_verbose_mode();           // level 1
 void set_verbose_mode(int level);  // 0: silent

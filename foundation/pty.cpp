@@ -49,13 +49,13 @@ PtyStream* PtyStream::_of_stdout = nullptr;
 PtyStream* PtyStream::_of_stderr = nullptr;
 
 PtyStream* PtyStream::of_stdout() {
-  if (_of_stdout == nullptr) _of_stdout = new PtyStream(stdout, 80, nullptr);
-  return _of_stdout;
+  static PtyStream* const shared = _of_stdout = new PtyStream(stdout, 80, nullptr);
+  return shared;
 }
 
 PtyStream* PtyStream::of_stderr() {
-  if (_of_stderr == nullptr) _of_stderr = new PtyStream(stderr, 80, nullptr);
-  return _of_stderr;
+  static PtyStream* const shared = _of_stderr = new PtyStream(stderr, 80, nullptr);
+  return shared;
 }
 
 PtyStream::PtyStream(FILE* f, int line_width, const char* tab)
@@ -113,16 +113,18 @@ void PtyStream::write_block() {
   room_ = block_size_;
 }
 
-// Writes what does not fit into the block, or of a stream without one. It is used by one thread, so
-// its characters need no lock each; most pieces are a few characters.
+// Writes what does not fit into the block, or of a stream without one. Its file
+// may be shared with other threads, and is locked once for all characters, which are mostly few.
 void PtyStream::write_through(const char* text, size_t length) {
   write_block();
   if (text_ != nullptr) {
     text_->append(text, length);
     return;
   }
+  flockfile(file);
   for (const char* end = text + length; text != end; ++text)
     if (putc_unlocked(*text, file) == EOF) keep_first(&write_error_, errno);
+  funlockfile(file);
 }
 
 void PtyStream::end_line() {

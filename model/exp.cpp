@@ -67,7 +67,7 @@ const char* opkey(ExpNature nature) {
 }
 
 int take_a_key() {
-  static int last_key = 0;
+  static std::atomic<int> last_key{0};
   return ++last_key;
 }
 

@@ -1,8 +1,14 @@
 #include "tcl/dorvik.h"
 
+#include <pthread.h>
+
+#include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <mutex>
+#include <utility>
 
 #include "foundation/errors.h"
 #include "reader/reader.h"
@@ -88,12 +94,41 @@ int DORVIK_ecprg(void* data, Tcl_Interp* interp, int argc, const char* argv[]) {
   });
 }
 
-// Evaluates the script inside the signal handler: an application that computes for hours without
-// entering the event loop can be stopped all the same.
-void DORVIK_general_sigint(int) {
-  if (last_dorvik != nullptr) last_dorvik->run_sigint_script();
-  std::signal(SIGINT, DORVIK_general_sigint);
+// Ctrl-C is for the thread that loaded the library first, while it lives.
+std::atomic<pthread_t> sigint_thread;
+std::atomic<bool> has_sigint_thread;
+
+// Whether this is that thread, which it is from now on where there was none yet.
+bool is_sigint_thread() {
+  static const bool is_first [[maybe_unused]] = [] {
+    sigint_thread = pthread_self();
+    return has_sigint_thread = true;
+  }();
+  static thread_local const struct Life {
+    bool is_for_sigint = pthread_equal(pthread_self(), sigint_thread) != 0 && has_sigint_thread;
+    ~Life() {
+      if (is_for_sigint) has_sigint_thread = false;
+    }
+  } life;
+  return life.is_for_sigint;
 }
+
+// Evaluates the script inside the signal handler: an application that computes for hours without
+// entering the event loop can be stopped all the same. The system may have stopped any thread for
+// it.
+void DORVIK_general_sigint(int) {
+  const int error = errno;
+  if (has_sigint_thread && pthread_equal(pthread_self(), sigint_thread) == 0)
+    pthread_kill(sigint_thread, SIGINT);
+  else if (has_sigint_thread && last_dorvik != nullptr)
+    last_dorvik->run_sigint_script();
+  std::signal(SIGINT, DORVIK_general_sigint);
+  errno = error;
+}
+
+// Those of other threads, which are as long-lived.
+Dorvik* last_of_others;
+std::mutex others;
 
 // The name in its namespace that Tcl gives to a command created as `name`.
 const char* tail_of(const char* name) {
@@ -154,19 +189,26 @@ int Dorvikbatch_Init(Tcl_Interp* interp) {
 }
 
 int run_dorvik_Init(Tcl_Interp* interp) {
-  new Dorvik(interp);  // stays reachable through last_dorvik
+  new Dorvik(interp);  // stays reachable through the others of its thread
   return 0;
 }
 
-Dorvik::Dorvik(Tcl_Interp* served) : interp(served), programs(nullptr), previous(last_dorvik) {
+Dorvik::Dorvik(Tcl_Interp* served) : interp(served), programs(nullptr), previous(nullptr) {
   Tcl_CallWhenDeleted(interp, forget_interp, this);
   sigint_script = Tcl_NewStringObj("puts \"dorvik: ctrl-c exit...\"\nexit", -1);
   Tcl_IncrRefCount(sigint_script);
   for (const GlobalCommand& command : global_commands)
     Tcl_CreateCommand(interp, command.name, command.procedure, this, nullptr);
   ensemble = std::make_unique<tamsel::Ensemble>(interp);
-  last_dorvik = this;
-  std::signal(SIGINT, DORVIK_general_sigint);
+  if (is_sigint_thread()) {
+    previous = last_dorvik;
+    last_dorvik = this;
+    std::signal(SIGINT, DORVIK_general_sigint);
+  } else {
+    const std::lock_guard<std::mutex> lock(others);
+    previous = last_of_others;
+    last_of_others = this;
+  }
 }
 
 Dorvik::~Dorvik() = default;
@@ -222,9 +264,10 @@ void Dorvik::print_ecprgs() {
 }
 
 void Dorvik::set_sigint_script(const char* script) {
-  Tcl_Obj* replaced = sigint_script;  // may be running
-  sigint_script = Tcl_NewStringObj(script, -1);
-  Tcl_IncrRefCount(sigint_script);
+  // Ours before Ctrl-C can find it; the replaced one may be running.
+  Tcl_Obj* fresh = Tcl_NewStringObj(script, -1);
+  Tcl_IncrRefCount(fresh);
+  Tcl_Obj* replaced = std::exchange(sigint_script, fresh);
   Tcl_DecrRefCount(replaced);
 }
 

@@ -1,9 +1,9 @@
 // tcl/dorvik.h: the extension as Tcl sees it: its entry points, its global commands, and program
 // objects.
 //
-// Everything runs on the interpreter's thread. Words that come from scripts are never used as
-// formats. Operations return TCL_OK, or TCL_ERROR with a result text and an errorCode (see
-// tcl/support.h).
+// Everything runs on the interpreter's thread; each thread has the objects of its interpreters.
+// Words that come from scripts are never used as formats. Operations return TCL_OK, or TCL_ERROR
+// with a result text and an errorCode (see tcl/support.h).
 #ifndef TCL_DORVIK_H
 #define TCL_DORVIK_H
 
@@ -62,10 +62,10 @@ class Dorvik {
   Tcl_Obj* sigint_script;                      // this object holds one reference
   std::unique_ptr<tamsel::Ensemble> ensemble;  // null when the interpreter is gone
   EcPrgVar* programs;  // live objects, newest first; owned by their commands
-  Dorvik* previous;    // the one made before this one, or null
+  Dorvik* previous;    // the one made before this one (see last_dorvik), or null
 };
 
-// The newest one. SIGINT is its.
+// The newest one of the thread that loaded the library first. SIGINT is its.
 extern Dorvik* last_dorvik;
 
 // A program object: a program, and the handles that scripts have on its expressions. Held by its

@@ -151,6 +151,7 @@ int Question::refuse_expression() {
   const char* message = prg_->error_message;
   const SyntaxError syntax(message);
   if (prg_->exp_refusal == ExpRefusal::syntax) return fail(syntax.code(), message);
+  if (prg_->exp_refusal == ExpRefusal::busy) return fail({{"STATE", "BUSY"}}, message);
   if (prg_->exp_refusal == ExpRefusal::name) return fail({{"LOOKUP", "IDENT", message}}, message);
   return fail({{"TYPE", "EXPRESSION", message}}, message);
 }

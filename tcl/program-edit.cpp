@@ -92,6 +92,7 @@ int EcPrgVar::parse_exp(const Operation& operation, const char* text, Exp** e) {
   const SyntaxError syntax(message);
   ErrorCode code = {{"TYPE", "EXPRESSION", message}};
   if (prg->exp_refusal == ExpRefusal::syntax) code = syntax.code();
+  if (prg->exp_refusal == ExpRefusal::busy) code = {{"STATE", "BUSY"}};
   if (prg->exp_refusal == ExpRefusal::name) code = {{"LOOKUP", "IDENT", message}};
   return call_error(code, "%s %s : %s", command_name(), operation.word, message);
 }

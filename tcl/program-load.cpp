@@ -83,6 +83,8 @@ FILE* EcPrgVar::open_channel(const Operation& operation, const char* name) {
 
 int EcPrgVar::load(const Operation& operation, int, const char* params[]) {
   const char* name = params[0];
+  if (reader_is_busy())
+    return call_error({{"STATE", "BUSY"}}, "%s: %s", operation.word, busy_message);
   Program fresh;
   const bool from_file = std::strcmp(operation.word, "load") == 0;
   std::unique_ptr<FILE, int (*)(FILE*)> file(
