@@ -231,7 +231,8 @@ void Checker::find_unused() {
   const auto use_all_of = [&](Exp* e) {
     mentions.clear();
     mentions.add(e);
-    for (const Mention& mention : mentions.all()) use(mention.symbol);
+    for (const Mention& mention : mentions.all())
+      if (mention.is_function == (prg_->function(mention.symbol) != nullptr)) use(mention.symbol);
   };
   for (const Equation& equation : equations_) use_all_of(equation.right);
   each_assertion([&](const IdentInfo* assertion) { use_all_of(assertion->definition); });

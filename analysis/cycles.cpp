@@ -38,7 +38,7 @@ Needs::Needs(EcPrg* prg, const std::vector<Equation>& equations) {
     mentions.clear();
     mentions.add(equation.right);
     for (const Mention& mention : mentions.all())
-      if (mention.now) add(mention.symbol);
+      if (mention.now && !mention.is_function) add(mention.symbol);
     for (const int name : equation.names())
       if (const int clock = prg->ident(name)->clock; clock != prg->true_clock) add(clock);
   }

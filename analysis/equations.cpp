@@ -56,11 +56,13 @@ void Mentions::note(int symbol, bool is_function, bool now) {
   Mention* known = nullptr;
   if (all_.size() <= few_mentions) {
     for (Mention& mention : all_)
-      if (mention.symbol == symbol) known = &mention;
+      if (mention.symbol == symbol && mention.is_function == is_function) known = &mention;
   } else {
+    const auto key = [](int name, bool is_called) { return name * 2ll + is_called; };
     if (place_.empty())
-      for (size_t i = 0; i < all_.size(); ++i) place_.emplace(all_[i].symbol, i);
-    const auto place = place_.emplace(symbol, all_.size());
+      for (size_t i = 0; i < all_.size(); ++i)
+        place_.emplace(key(all_[i].symbol, all_[i].is_function), i);
+    const auto place = place_.emplace(key(symbol, is_function), all_.size());
     if (!place.second) known = &all_[place.first->second];
   }
   if (known != nullptr)

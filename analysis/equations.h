@@ -32,7 +32,8 @@ std::vector<Equation> equations_of(EcPrg* prg);
 // Whether `leaf` stands for no declared name: a number, a truth value.
 bool is_literal(EcPrg* prg, const Exp* leaf);
 
-// A name that an expression mentions: a variable, a declared constant or a function.
+// A name that an expression mentions: a variable, a declared constant or a function. A variable may
+// be called like a function that is not declared; these are two.
 struct Mention {
   int symbol;
   bool is_function;
@@ -56,7 +57,7 @@ class Mentions {
 
   EcPrg* prg_;
   std::vector<Mention> all_;
-  std::unordered_map<int, size_t> place_;  // in all_, once they are many
+  std::unordered_map<long long, size_t> place_;  // in all_, once they are many
 };
 
 // The variables and constants that `e` mentions, each once, in the order of their first mention;

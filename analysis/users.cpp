@@ -14,7 +14,8 @@ Users::Users(EcPrg* prg) : prg_(prg), revision_(prg->revision), equations_(equat
       mentions.clear();
       mentions.add(equations_[i].right);
       for (const Mention& mention : mentions.all())
-        take(static_cast<size_t>(mention.symbol), Use{static_cast<unsigned>(i), mention.now});
+        if (mention.is_function == (prg->function(mention.symbol) != nullptr))
+          take(static_cast<size_t>(mention.symbol), Use{static_cast<unsigned>(i), mention.now});
     }
   };
   each_use([this](size_t symbol, Use) { ++first_[symbol + 1]; });

@@ -77,7 +77,16 @@ class EcPrgVar {
   EcPrgVar(const EcPrgVar&) = delete;
   EcPrgVar& operator=(const EcPrgVar&) = delete;
 
-  void hold() { ++holders; }
+  // Around a call: the object stays, and so do the programs that a script of Ctrl-C replaces while
+  // it runs.
+  void begin_call() {
+    ++holders;
+    ++calls;
+  }
+  void end_call() {
+    if (--calls == 0 && replaced != nullptr) drop_replaced();
+    release();
+  }
   void release() {
     if (--holders == 0) delete this;
   }
@@ -150,10 +159,21 @@ class EcPrgVar {
   Tcl_Obj* full_name = nullptr;            // of the command; this object holds one reference
   Dorvik* owner;
   int holders = 1;          // see the class
+  int calls = 0;            // that are under way, one within the other
   int new_ident_count = 0;  // of generated names
   tamsel::IntListIndex input_index, output_index, local_index,
       function_index;                    // of the program's lists
   std::unique_ptr<tamsel::Users> users;  // made when it is asked for, and again after a change
+
+  // A program that was replaced under a call, with what belongs to it.
+  struct Replaced {
+    std::unique_ptr<SymbolTable> exp_names;
+    std::unique_ptr<SymbolTable> symbols;
+    std::unique_ptr<EcPrg> prg;
+    std::unique_ptr<tamsel::Users> users;
+    std::unique_ptr<Replaced> next;
+  };
+  std::unique_ptr<Replaced> replaced;  // until the outermost call ends
 
   // A fresh program on a table of its own: what an object is given as a whole.
   struct Program {
@@ -161,11 +181,13 @@ class EcPrgVar {
 
     std::unique_ptr<SymbolTable> symbols = std::make_unique<SymbolTable>();
     std::unique_ptr<EcPrg> prg = std::make_unique<EcPrg>();
+    std::unique_ptr<Replaced> place = std::make_unique<Replaced>();  // of the one that goes
   };
   // Cannot fail: the old program goes and the new one is there.
   void install(Program program);
 
  private:
+  void drop_replaced();
   int add_to_program(const Operation& operation, int nparams, const char* params[]);
   FILE* open_file(const Operation& operation, const char* name);
   FILE* open_channel(const Operation& operation, const char* name);

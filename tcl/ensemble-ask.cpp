@@ -230,6 +230,7 @@ int Question::cone() {
 
 int Question::assertions() {
   const SharedValues& shared = ensemble_->shared;
+  ExpressionText written;
   ListValue list;
   for (const IntList* cell = prg_->assertions; cell != nullptr; cell = cell->next) {
     const IdentInfo* assertion = prg_->ident(cell->value);
@@ -237,7 +238,7 @@ int Question::assertions() {
     Exp* e = assertion->definition;
     const std::vector<int> needed = needs_of(prg_, e, false);
     ListValue dict;
-    dict.add(shared.text).add(ensemble_->text.brief(prg_, e).c_str());
+    dict.add(shared.text).add(written.brief(prg_, e).c_str());
     dict.add(shared.clock).add(clock_name_of(prg_, e));
     dict.add(shared.line).add(number(assertion->line));
     dict.add(shared.needs).add(list_of(needed));
@@ -311,6 +312,7 @@ int Question::check_program() {
 }
 
 int Question::read() {
+  if (reader_is_busy()) return fail({{"STATE", "BUSY"}}, busy_message);
   EcPrgVar::Program fresh;
   fresh.prg->silent = true;
   const int refused = EcParseString(fresh.prg.get(), fresh.symbols.get(), Tcl_GetString(word(0)));

@@ -34,8 +34,8 @@ int Ensemble::run(void* data, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[
 
 Question::~Question() {
   guest_.reset();
-  if (prg_ != nullptr) prg_->silent = false;
-  if (object_ != nullptr) object_->release();
+  if (prg_ != nullptr) prg_->silent = was_silent_;
+  if (object_ != nullptr) object_->end_call();
 }
 
 int Question::answer() {
@@ -121,13 +121,13 @@ int Question::find_object() {
     const char* text = Tcl_GetString(word);
     return fail({{"LOOKUP", "OBJECT", text}}, std::string("'") + text + "' is no program object");
   }
-  object_->hold();
+  object_->begin_call();
   if (object_->prg == nullptr && row_.needs_program) {
     const char* text = Tcl_GetString(word);
     return fail({{"STATE", "PROGRAM", text}}, std::string("'") + text + "' has no program");
   }
   prg_ = object_->prg.get();
-  if (prg_ != nullptr) prg_->silent = true;
+  if (prg_ != nullptr) was_silent_ = std::exchange(prg_->silent, true);
   return TCL_OK;
 }
 
@@ -142,7 +142,7 @@ int Question::find_expression(Tcl_Obj* word, Exp** e) {
   const char* text = Tcl_GetString(word);
   *e = object_->string2exp(text);
   if (*e != nullptr) return TCL_OK;
-  guest_.emplace(prg_);
+  guest_.emplace(object_);
   *e = prg_->exp_read(text);
   return *e != nullptr ? TCL_OK : refuse_expression();
 }
@@ -196,8 +196,8 @@ int Question::give_text(const std::string& text) {
 }
 
 int Question::give_expression(Exp* e, ExpressionForm form) {
-  if (form == ExpressionForm::text) return give_text(ensemble_->text.brief(prg_, e));
-  if (form == ExpressionForm::full) return give_text(ensemble_->text.full(prg_, e));
+  if (form == ExpressionForm::text) return give_text(ExpressionText().brief(prg_, e));
+  if (form == ExpressionForm::full) return give_text(ExpressionText().full(prg_, e));
   ListValue list;
   std::vector<std::pair<const char*, Value>> ops;  // the few that there are, by their texts
   for (const TreeNode& node : tree_of(prg_, e)) {

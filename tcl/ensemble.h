@@ -55,7 +55,6 @@ class Ensemble {
 
   Tcl_Interp* const interp;
   SharedValues shared;
-  ExpressionText text;
 
  private:
   struct Command {
@@ -66,15 +65,20 @@ class Ensemble {
   static int run(void* command, Tcl_Interp* interp, int objc, Tcl_Obj* const objv[]);
 };
 
-// Takes back what a text has made of its own in a program, and in its table.
+// Takes back what a text has made of its own in a program, and in its table. What a script of
+// Ctrl-C has added to the program meanwhile stays, and all that is there with it.
 class Guest {
  public:
-  explicit Guest(EcPrg* prg)
-      : prg_(prg),
-        mark_(prg->mark()),
-        names_(prg->symbols->nb_symbols),
-        collisions_(prg->symbols->tape->coll_max) {}
+  // Borrows the object, which is held.
+  explicit Guest(const EcPrgVar* object)
+      : object_(object),
+        prg_(object->prg.get()),
+        mark_(prg_->mark()),
+        names_(prg_->symbols->nb_symbols),
+        collisions_(prg_->symbols->tape->coll_max),
+        others_(count_others()) {}
   ~Guest() {
+    if (object_->prg.get() != prg_ || count_others() != others_) return;
     prg_->roll_back(mark_);
     prg_->symbols->cut_back(names_);
     prg_->symbols->tape->coll_max = collisions_;
@@ -83,10 +87,18 @@ class Guest {
   Guest& operator=(const Guest&) = delete;
 
  private:
+  // Handles and declarations, which only grow in number.
+  size_t count_others() const {
+    return object_->handled.size() + static_cast<size_t>(prg_->nb_inputs + prg_->nb_outputs +
+                                                         prg_->nb_locals + prg_->nb_functions);
+  }
+
+  const EcPrgVar* object_;
   EcPrg* prg_;
   EcPrg::Mark mark_;
   int names_;
   int collisions_;
+  size_t others_;
 };
 
 // How an expression is answered.
@@ -175,6 +187,7 @@ class Question {
   Tcl_Obj* const* const objv_;
   EcPrgVar* object_ = nullptr;  // held
   EcPrg* prg_ = nullptr;        // null where there is none
+  bool was_silent_ = false;
   std::optional<Guest> guest_;
 };
 

@@ -15,6 +15,11 @@
 using namespace tamsel;
 
 void EcPrgVar::install(Program program) {
+  if (calls > 1) {
+    *program.place = {std::move(exp_names), std::move(symbols), std::move(prg), std::move(users),
+                      std::move(replaced)};
+    replaced = std::move(program.place);
+  }
   users.reset();
   prg = std::move(program.prg);
   symbols = std::move(program.symbols);

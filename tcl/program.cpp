@@ -115,15 +115,20 @@ bool EcPrgVar::has_command(const std::vector<void*>& hidden) const {
   return std::find(hidden.begin(), hidden.end(), this) != hidden.end();
 }
 
+// One after the other, however many a script has replaced.
+void EcPrgVar::drop_replaced() {
+  while (replaced != nullptr) replaced = std::move(replaced->next);
+}
+
 int ECPRG_call(void* data, Tcl_Interp* interp, int argc, const char* argv[]) {
   EcPrgVar* object = static_cast<EcPrgVar*>(data);
-  object->hold();  // a trace may delete the command meanwhile
+  object->begin_call();  // a trace may delete the command meanwhile
   const int result = run_command(interp, [=] {
     if (Verbose() != 0) Verbose("call of : %s\n", object->command_name());
     if (argc < 2) return object->owner->cmd_error(argv[0], "<operation> [<param>*]");
     return object->call(argv[1], argc - 2, argv + 2);
   });
-  object->release();
+  object->end_call();
   return result;
 }
 
