@@ -51,23 +51,27 @@ int main(int argc, char* argv[]) {
   }
   Tcl_FindExecutable(argv[0]);
   std::atomic<int> failures{0};
-  const auto live = [&](int number) {
+  const auto live = [&](int number, const char* rounds) {
     Tcl_Interp* interp = Tcl_CreateInterp();
     const std::string out = std::string(argv[3]) + "/threads-" + std::to_string(number);
     Tcl_SetVar(interp, "library", argv[1], 0);
     Tcl_SetVar(interp, "sources", argv[2], 0);
     Tcl_SetVar(interp, "out", out.c_str(), 0);
-    Tcl_SetVar(interp, "rounds", argv[4], 0);
+    Tcl_SetVar(interp, "rounds", rounds, 0);
     if (Tcl_Eval(interp, script) != TCL_OK) {
       ++failures;
       std::fprintf(stderr, "thread %d: %s\n", number, Tcl_GetStringResult(interp));
     }
     std::remove(out.c_str());
     Tcl_DeleteInterp(interp);
-    Tcl_FinalizeThread();
   };
+  live(0, "1");  // alone, since Tcl makes its own locks at first use
   std::vector<std::thread> threads;
-  for (int number = 0; number < 4; ++number) threads.emplace_back(live, number);
+  for (int number = 0; number < 4; ++number)
+    threads.emplace_back([&, number] {
+      live(number, argv[4]);
+      Tcl_FinalizeThread();
+    });
   for (std::thread& thread : threads) thread.join();
   return failures > 0;
 }
