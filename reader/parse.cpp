@@ -58,12 +58,13 @@ int Reader::parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const cha
   ecprg_nerrs = 0;
   out_of_memory = false;
   keeps_messages = boot == START_EC;
-  start_scan(boot, f, text);
-  is_busy = true;
-  const int result = [this] {
+  int result;
+  {
     const Turn turn{*this};
-    return ecprg_parse(*this);
-  }();
+    is_busy = true;  // before the first character is read
+    start_scan(boot, f, text);
+    result = ecprg_parse(*this);
+  }
   ecprg_nerrs = result == 1;  // the first ends the parse
   if (out_of_memory) throw std::bad_alloc();
   // Behind a whole program a lexical error ends the text, and the grammar does not complain.

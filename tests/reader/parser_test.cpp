@@ -1,3 +1,6 @@
+#include <climits>
+#include <cstdio>
+
 #include "tests/support.h"
 
 static const std::string node = "node n(a, b : bool; i, j : int) returns (y : int); let ";
@@ -122,4 +125,39 @@ TEST(Files, MayBeWideAndDeep) {
   PtyStream out("/dev/null", 80, nullptr);
   sum->print(&out, &program.symbols);
   sum->Iprint(&out, &program.symbols);
+}
+
+// What a script of Ctrl-C can do: read a text in the middle of another.
+TEST(Files, AreNotDisturbedByATextReadMeanwhile) {
+  struct Source {
+    std::string text = "node n(a : int) returns (y : int); let y = a + 1; tel";
+    size_t read = 0;
+    Program other;
+    std::string answer;
+  } source;
+  source.other.read("node m(b : int) returns (z : int); let z = b; tel");
+  const auto read_one = [](void* cookie, char* bytes, size_t) -> ssize_t {
+    Source& from = *static_cast<Source*>(cookie);
+    if (from.read == from.text.size()) return 0;
+    Exp* e;
+    if (EcExpParseString(&from.other.prg, &from.other.symbols, "b + )", &e) == 0)
+      from.answer = "read";
+    if (from.answer.empty()) from.answer = from.other.message();
+    EXPECT_EQ(0, yylexInitString(0, "b"));
+    *bytes = from.text[from.read++];
+    return 1;
+  };
+  FILE* file = fopencookie(&source, "r", {read_one, nullptr, nullptr, nullptr});
+  Program program;
+  EXPECT_EQ(0, EcParseFile(&program.prg, &program.symbols, file)) << program.message();
+  std::fclose(file);
+  EXPECT_EQ(1, program.prg.nb_outputs);
+  EXPECT_EQ("the reader is busy", source.answer);
+  EXPECT_EQ(-1, ecprg_lex());  // nothing is left to be read
+  yylexInitString(0, "\n");
+  yyline = INT_MAX;
+  int c;
+  YY_instring = "\n";
+  GetChar(&c);
+  EXPECT_EQ(INT_MAX, yyline);
 }
