@@ -9,9 +9,9 @@
 
 namespace {
 
-void require(bool holds, const char* what) {
-  if (!holds) throw std::logic_error(what);
-}
+// Ends the calls where the library and the model differ.
+#define REQUIRE(...) \
+  if (!(__VA_ARGS__)) throw std::logic_error(#__VA_ARGS__)
 
 // The bytes of an input as numbers; 0 where they have ended.
 class Choices {
@@ -48,31 +48,28 @@ void call_symbols(Choices choices) {
     int number = -1;
     switch (choices.below(4)) {
       case 0:
-        require(table.find_text(text.c_str()) == known, "a name is found");
+        REQUIRE(table.find_text(text.c_str()) == known);
         continue;
       case 1:
-        require(table.find_then_get(&number, "%s", text.c_str()) == (known != 0) &&
-                    number == (known != 0 ? known : -1),
-                "a name is found, then got");
+        REQUIRE(table.find_then_get(&number, "%s", text.c_str()) == (known != 0) &&
+                number == (known != 0 ? known : -1));
         continue;
       case 2:
         names.resize(std::min(names.size(), static_cast<size_t>(choices.below(256))));
         table.cut_back(static_cast<int>(names.size()));
         break;
       default:
-        require(
-            table.find_then_add(&number, "%s", text.c_str()) == (known != 0) && number == expected,
-            "a name is found, then added");
+        REQUIRE(table.find_then_add(&number, "%s", text.c_str()) == (known != 0) &&
+                number == expected);
         if (known == 0) names.push_back(text);
     }
-    require(table.nb_symbols == static_cast<int>(names.size()), "names are counted");
+    REQUIRE(table.nb_symbols == static_cast<int>(names.size()));
     table.init_iterate();
-    for (const std::string& name : names) require(table.iterate() == name, "names stay");
+    for (const std::string& name : names) REQUIRE(table.iterate() == name);
     std::vector<bool> taken(static_cast<size_t>(table.tape->hash_size));
     for (const std::string& name : names)
       taken[static_cast<size_t>(table.tape->hash_code(name.c_str()))] = true;
-    require(table.tape->occupied == std::count(taken.begin(), taken.end(), true),
-            "buckets are counted");
+    REQUIRE(table.tape->occupied == std::count(taken.begin(), taken.end(), true));
   }
 }
 
@@ -166,10 +163,10 @@ void call_stream(Choices choices) {
         slow.put(text);
       }
     }
-    require(stream.column == slow.column, "the column is that of the model");
+    REQUIRE(stream.column == slow.column);
   }
   const std::string copy = written([&](PtyStream* out) { out->put(&stream); });
-  require(copy == slow.written, "the text is that of the model");
+  REQUIRE(copy == slow.written);
 }
 
 // --- A registry is a map of records, and lists of names.
@@ -279,7 +276,7 @@ class Registry {
       case 7: {
         const bool good = is_definable(symbol);
         const bool replaces = good && !records_[symbol].in_tuple;
-        require((prg_.define_ident(symbol, prg_.nil_exp) != nullptr) == replaces, "an equation");
+        REQUIRE((prg_.define_ident(symbol, prg_.nil_exp) != nullptr) == replaces);
         if (good) records_[symbol].defined = true;
         break;
       }
@@ -291,7 +288,7 @@ class Registry {
             "__assert_" + std::to_string(lists_[ASSERTIONS].expected.size());
         prg_.add_assertion(prg_.true_exp);
         const int number = symbols_.find_text(generated.c_str());
-        require(number != 0, "an assertion has a name");
+        REQUIRE(number != 0);
         declare(number, ASSERT_mode, prg_.bool_type);
         enter(ASSERTIONS, number);
         break;
@@ -316,8 +313,8 @@ class Registry {
         std::vector<int> members = some_names();
         if (members.size() > 1) prg_.define_type(members.data(), static_cast<int>(members.size()));
         prg_.roll_back(before);
-        require(prg_.exp_heap.size() == before.expressions.size, "nodes are taken back");
-        require(prg_.types == before.types, "types are taken back");
+        REQUIRE(prg_.exp_heap.size() == before.expressions.size);
+        REQUIRE(prg_.types == before.types);
       }
     }
   }
@@ -333,8 +330,8 @@ class Registry {
     }
     if (!is_new) return;
     EcType* made = prg_.types;
-    require(made != nullptr && !made->is_tuple && made->name == symbol, "a type has its name");
-    require(made->number == enter(TYPES, symbol) + 1, "types are ranked");
+    REQUIRE(made != nullptr && !made->is_tuple && made->name == symbol);
+    REQUIRE(made->number == enter(TYPES, symbol) + 1);
     types_.push_back(named_[symbol] = made);
     int rank = static_cast<int>(constants.size());
     for (const int constant : constants) {
@@ -342,7 +339,7 @@ class Registry {
       Record& record = declare(constant, ENUM_CONST_mode, made);
       record.order = --rank;
       record.value = enter(CONSTANTS, constant);
-      require(made->enum_const(rank)->name == constant, "constants stand by rank");
+      REQUIRE(made->enum_const(rank)->name == constant);
     }
   }
 
@@ -351,18 +348,17 @@ class Registry {
     EcType* found = prg_.define_type(list.get());
     if (members.size() == 1) {
       const auto named = named_.find(members[0]);
-      require(found == (named != named_.end() ? named->second : nullptr), "one name is that type");
+      REQUIRE(found == (named != named_.end() ? named->second : nullptr));
       return;
     }
     EcType*& known = tuples_[members];
-    require(found != nullptr && (known == nullptr || known == found), "a tuple is made once");
-    require((found->members == list.get()) == (known == nullptr), "a list is taken once");
+    REQUIRE(found != nullptr && (known == nullptr || known == found));
+    REQUIRE((found->members == list.get()) == (known == nullptr));
     if (known != nullptr) return;
     list.release();
     types_.push_back(known = found);
     for (size_t i = 0; i <= members.size(); ++i)
-      require(found->member(static_cast<int>(i) + 1) == (i < members.size() ? members[i] : 0),
-              "members stand in order");
+      REQUIRE(found->member(static_cast<int>(i) + 1) == (i < members.size() ? members[i] : 0));
   }
 
   void define_tuple(const std::vector<int>& defined) {
@@ -371,18 +367,17 @@ class Registry {
       good = good && is_definable(defined[i]) && !records_[defined[i]].defined &&
              std::count(defined.begin(), defined.end(), defined[i]) == 1;
     const IdentInfo* last = prg_.define_tuple(list_of(defined), prg_.nil_exp);
-    require(last == (good ? prg_.ident(defined.back()) : nullptr), "a tuple equation");
+    REQUIRE(last == (good ? prg_.ident(defined.back()) : nullptr));
     for (size_t i = 0; good && i < defined.size(); ++i) {
       records_[defined[i]].defined = records_[defined[i]].in_tuple = true;
-      require(prg_.ident(defined[i])->definition->projection_order() == static_cast<int>(i) + 1,
-              "its projections are ranked");
+      REQUIRE(prg_.ident(defined[i])->definition->projection_order() == static_cast<int>(i) + 1);
     }
   }
 
   void make_literal(int symbol, bool stays) {
     const IdentInfo* known = prg_.ident(symbol);
     Exp* leaf = prg_.get_int_const(symbol);
-    require(known == nullptr || leaf == known->ident_exp, "a leaf is made once");
+    REQUIRE(known == nullptr || leaf == known->ident_exp);
     if (known != nullptr || !stays) return;
     declare(symbol, INT_CONST_mode, prg_.int_type).value = std::atoi(symbols_.name(symbol));
   }
@@ -393,33 +388,28 @@ class Registry {
       const IdentInfo* ident = prg_.ident(symbol);
       const FuncInfo* function = prg_.function(symbol);
       if (found == records_.end()) {
-        require(ident == nullptr && function == nullptr, "what is not declared has no record");
+        REQUIRE(ident == nullptr && function == nullptr);
         continue;
       }
       const Record& record = found->second;
-      require(
-          (function != nullptr) == record.is_function && (ident != nullptr) != record.is_function,
-          "a record is of its kind");
+      REQUIRE((function != nullptr) == record.is_function &&
+              (ident != nullptr) != record.is_function);
       if (function != nullptr) {
-        require(function->index == record.order && function->result_type == record.type,
-                "functions are ranked");
+        REQUIRE(function->index == record.order && function->result_type == record.type);
         continue;
       }
-      require(ident->mode == record.mode && ident->type == record.type &&
-                  ident->order == record.order && ident->value == record.value,
-              "an identifier is as declared");
-      require((ident->definition != nullptr) == record.defined &&
-                  (ident->tuple_names != nullptr) == record.in_tuple,
-              "and as defined");
+      REQUIRE(ident->mode == record.mode && ident->type == record.type &&
+              ident->order == record.order && ident->value == record.value);
+      REQUIRE((ident->definition != nullptr) == record.defined &&
+              (ident->tuple_names != nullptr) == record.in_tuple);
     }
     for (const List& list : lists_) {
       const IntList* cell = prg_.*list.names;
       for (const int expected : list.expected) {
-        require(cell != nullptr && cell->value == expected, "lists have their names in order");
+        REQUIRE(cell != nullptr && cell->value == expected);
         cell = cell->next;
       }
-      require(cell == nullptr && prg_.*list.count == static_cast<int>(list.expected.size()),
-              "and are counted");
+      REQUIRE(cell == nullptr && prg_.*list.count == static_cast<int>(list.expected.size()));
     }
   }
 

@@ -145,7 +145,7 @@ TEST_F(Properties, DeletingAProgramReturnsEverything) {
 TEST(Calls, DoWhatTheirModelsSay) {
   std::mt19937 random(1);
   std::vector<uint8_t> bytes(3000);
-  for (unsigned round = 0; round < 90; ++round) {
+  for (unsigned round = 0; round < 60; ++round) {
     for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random() >> 8);
     bytes[0] = static_cast<uint8_t>(round);  // each of the kinds in turn
     const long before = live_allocations;

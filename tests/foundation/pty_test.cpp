@@ -12,7 +12,7 @@
 using namespace tamsel;
 
 TEST(PtyStream, BreaksAndIndentsLines) {
-  const std::string b20(20, 'b'), d100(100, 'd');
+  const std::string b20(20, 'b');
   const struct {
     int depth, column;  // before the text
     std::string text, expected;
@@ -20,9 +20,7 @@ TEST(PtyStream, BreaksAndIndentsLines) {
   } rows[] = {
       // clang-format off
       {0, 77, "abc", "\nabc", 3}, {0, 76, "abc", "abc", 79},
-      {2, 0, "a\nb", "a\n      b", 7}, {2, 0, "a\fb", "a\nb", 1},
       {2, 70, b20, "\n" + b20, 20},  // no indentation after an automatic break
-      {1, 0, d100, "\n" + d100, 100},
       {1, 80, "\nx", "\n\n   x", 4},  // an empty piece meets the width as well
       {0, 5, "100%s%n", "100%s%n", 12}, {0, INT_MAX, "a", "\na", 1},
       // clang-format on
