@@ -73,7 +73,7 @@ TEST(SymbolTable, PrintsInOrder) {
       "hash size  :  5041\noccupied   :     2\ncoll max   :     0\nnb strings :     2\n",
       stdout_text([&] { table.print(), table.print_statistics(stdout); }));
   for (int round = 0; round < 2; ++round) {
-    table.init_iterate();
+    if (round > 0) table.init_iterate();
     for (const char* name : {"b", "a"}) EXPECT_STREQ(name, table.iterate());
     EXPECT_EQ(nullptr, table.iterate());
   }

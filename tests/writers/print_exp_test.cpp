@@ -75,7 +75,7 @@ TEST(PrintedExpressions, CoverWhatCallersBuild) {
       {w.node(LAST_n, w("i")), "last(i)"}, {w.node(INIT_n, w("a and b")), "init((a)and(b))"},
       {w.node(MODELREF_n, w.symbol("m"), w.prg.int_type), "m"},
       {w.node(PROJ_n, w("two(i)"), 2), "proj(2)(two(i))"},
-      {w.call("f", {w("(i, - j)")}), "f(i, -(j))"},
+      {w.call("f", {}), "f()"}, {w.call("f", {w("(i, - j)")}), "f(i, -(j))"},
       {w.call("f", {w("(i, j)"), w("- k")}), "f(i, j)"},
       {w.call("f", {w("k"), w("(i, j)")}), "f(k, (i, j))"},
       {w.call("g", {w("pre (i, j)")}), "g(pre((i, j)))"},
