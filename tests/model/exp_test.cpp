@@ -38,6 +38,8 @@ TEST(Exp, KeepsAnnotationsByDecreasingKeys) {
 }
 
 TEST(Exp, ReportsQuestionsToTheWrongKind) {
+  EXPECT_STREQ("->", opkey(ARROW_n));
+  EXPECT_STREQ("", opkey(EXP_NATURES));
   Exp leaf(CONST_n, 1, nullptr, -1);
   Exp projection(PROJ_n, &leaf, 2), call(CALL_n, &leaf, 7);
   EXPECT_EQ("projection_order called on 'CALL_n' operator",
