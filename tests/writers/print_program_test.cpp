@@ -1,5 +1,6 @@
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 #include "tests/support.h"
 
@@ -63,7 +64,7 @@ TEST(PrintedPrograms, MayLackAlmostEverything) {
   prg.add_assertion(prg.true_exp);
   for (const char* name : {"g", "__assert_0"})
     prg.add_usr_func(program.symbol(name), prg.int_type, prg.int_type, nullptr, nullptr);
-  prg.functions->next = nullptr;
+  delete std::exchange(prg.functions->next, nullptr);
   EXPECT_EQ(
       "\nfunction f ()\nreturns ();\n\nnode ?( \n) returns (\n   ( %d : int ) when ?;\n"
       "   ( g : ? ) when ?\n);\n\nlet\ntel.",
