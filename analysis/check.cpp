@@ -21,7 +21,7 @@ namespace {
 
 class Checker {
  public:
-  explicit Checker(EcPrg* prg) : prg_(prg), equations_(equations_of(prg)) {}
+  explicit Checker(EcPrg* prg) : prg_(prg), clocks_(prg), equations_(equations_of(prg)) {}
 
   void find_holes();
   void find_type_errors();
@@ -59,6 +59,7 @@ class Checker {
   void check_clock(const Equation& equation);
 
   EcPrg* prg_;
+  ClockFinder clocks_;
   std::vector<Equation> equations_;
 };
 
@@ -180,7 +181,7 @@ void Checker::check_clock(const Equation& equation) {
   }
   int right;
   std::string message;
-  if (!find_clock(prg_, equation.right, &right, &message)) return refuse(message);
+  if (!clocks_.find(equation.right, &right, &message)) return refuse(message);
   if (right != any_clock && right != left)
     refuse("clock error: " + quoted(names[0]) + " runs on " + quoted(left) +
            ", and its right side on " + quoted(right));
@@ -200,7 +201,7 @@ void Checker::find_clock_errors() {
   each_assertion([this](const IdentInfo* assertion) {
     int clock;
     std::string message;
-    if (!find_clock(prg_, assertion->definition, &clock, &message))
+    if (!clocks_.find(assertion->definition, &clock, &message))
       add(FindingKind::clock, {}, assertion->line, message);
   });
 }
@@ -227,12 +228,10 @@ void Checker::find_unused() {
   const auto use = [&](int symbol) {
     if (symbol > 0 && symbol <= prg_->symbols->nb_symbols) used[static_cast<size_t>(symbol)] = true;
   };
-  Mentions mentions(prg_);
   const auto use_all_of = [&](Exp* e) {
-    mentions.clear();
-    mentions.add(e);
-    for (const Mention& mention : mentions.all())
+    each_mention(prg_, e, [&](const Mention& mention) {
       if (mention.is_function == (prg_->function(mention.symbol) != nullptr)) use(mention.symbol);
+    });
   };
   for (const Equation& equation : equations_) use_all_of(equation.right);
   each_assertion([&](const IdentInfo* assertion) { use_all_of(assertion->definition); });

@@ -1,17 +1,17 @@
 #include "analysis/clocks.h"
 
-#include <vector>
-
 #include "model/walk.h"
 
 namespace tamsel {
 
-namespace {
-
 // Finds clocks from the leaves up, and stops at the first node that the rules refuse.
-class ClockFinder : public ExpVisitor {
+class ClockVisitor : public ExpVisitor {
  public:
-  ClockFinder(EcPrg* prg, std::string* message) : prg_(prg), message_(message) {}
+  ClockVisitor(ClockFinder* finder, std::string* message)
+      : prg_(finder->prg_), message_(message), found_(finder->found_), first_(finder->first_) {
+    found_.clear();
+    first_.clear();
+  }
 
   bool enter(Exp* exp, Exp*, int) {
     if (failed_) return false;
@@ -93,17 +93,19 @@ class ClockFinder : public ExpVisitor {
 
   EcPrg* prg_;
   std::string* message_;
-  std::vector<int> found_;     // of the nodes whose parents are open
-  std::vector<size_t> first_;  // of each open node, where its operands begin in found_
+  std::vector<int>& found_;  // see ClockFinder
+  std::vector<size_t>& first_;
   bool failed_ = false;
 };
 
-}  // namespace
+bool ClockFinder::find(Exp* e, int* clock, std::string* message) {
+  ClockVisitor visitor(this, message);
+  walk(e, visitor);
+  return visitor.result(clock);
+}
 
 bool find_clock(EcPrg* prg, Exp* e, int* clock, std::string* message) {
-  ClockFinder finder(prg, message);
-  walk(e, finder);
-  return finder.result(clock);
+  return ClockFinder(prg).find(e, clock, message);
 }
 
 const char* clock_name(const EcPrg* prg, int clock) {

@@ -8,6 +8,7 @@
 #define ANALYSIS_CLOCKS_H
 
 #include <string>
+#include <vector>
 
 #include "model/ecprg.h"
 
@@ -15,8 +16,24 @@ namespace tamsel {
 
 constexpr int any_clock = 0;  // of what fits every clock
 
-// Finds the clock of `e` (not null): any_clock, or the symbol of a variable or of "true". False
-// where the rules refuse it, with the reason in `message`.
+// Finds the clocks of expressions, one after the other in the same memory.
+class ClockFinder {
+ public:
+  explicit ClockFinder(EcPrg* prg) : prg_(prg) {}
+
+  // The clock of `e` (not null): any_clock, or the symbol of a variable or of "true". False where
+  // the rules refuse it, with the reason in `message`.
+  bool find(Exp* e, int* clock, std::string* message);
+
+ private:
+  friend class ClockVisitor;
+
+  EcPrg* prg_;
+  std::vector<int> found_;     // of the nodes whose parents are open
+  std::vector<size_t> first_;  // of each open node, where its operands begin in found_
+};
+
+// The same for one expression.
 bool find_clock(EcPrg* prg, Exp* e, int* clock, std::string* message);
 
 // The text of a clock: "true" for the base clock, and for what fits every clock.

@@ -32,13 +32,11 @@ Needs::Needs(EcPrg* prg, const std::vector<Equation>& equations) {
     if (symbol < defines.size() && defines[symbol] != none)
       edges.push_back({defines[symbol], name});
   };
-  Mentions mentions(prg);
   for (const Equation& equation : equations) {
     first.push_back(edges.size());
-    mentions.clear();
-    mentions.add(equation.right);
-    for (const Mention& mention : mentions.all())
+    each_mention(prg, equation.right, [&](const Mention& mention) {
       if (mention.now && !mention.is_function) add(mention.symbol);
+    });
     for (const int name : equation.names())
       if (const int clock = prg->ident(name)->clock; clock != prg->true_clock) add(clock);
   }

@@ -2,8 +2,6 @@
 
 #include <unordered_set>
 
-#include "model/walk.h"
-
 namespace tamsel {
 
 Exp* right_side(const IdentInfo* ident) {
@@ -52,48 +50,27 @@ void Mentions::clear() {
   place_.clear();
 }
 
-void Mentions::note(int symbol, bool is_function, bool now) {
+void Mentions::note(const Mention& mention) {
   Mention* known = nullptr;
   if (all_.size() <= few_mentions) {
-    for (Mention& mention : all_)
-      if (mention.symbol == symbol && mention.is_function == is_function) known = &mention;
+    for (Mention& other : all_)
+      if (other.symbol == mention.symbol && other.is_function == mention.is_function)
+        known = &other;
   } else {
-    const auto key = [](int name, bool is_called) { return name * 2ll + is_called; };
+    const auto key = [](const Mention& m) { return m.symbol * 2ll + m.is_function; };
     if (place_.empty())
-      for (size_t i = 0; i < all_.size(); ++i)
-        place_.emplace(key(all_[i].symbol, all_[i].is_function), i);
-    const auto place = place_.emplace(key(symbol, is_function), all_.size());
+      for (size_t i = 0; i < all_.size(); ++i) place_.emplace(key(all_[i]), i);
+    const auto place = place_.emplace(key(mention), all_.size());
     if (!place.second) known = &all_[place.first->second];
   }
   if (known != nullptr)
-    known->now |= now;
+    known->now |= mention.now;
   else
-    all_.push_back({symbol, is_function, now});
+    all_.push_back(mention);
 }
 
-class MentionVisitor : public ExpVisitor {
- public:
-  explicit MentionVisitor(Mentions* mentions) : mentions_(mentions) {}
-
-  bool enter(Exp* exp, Exp*, int) {
-    if (exp->nature == PRE_n) ++pres_;
-    if (exp->nature == CALL_n) mentions_->note(exp->function_ident(), true, pres_ == 0);
-    if (exp->nb_args == 0 && exp->ident != 0 && !is_literal(mentions_->prg_, exp))
-      mentions_->note(exp->ident, false, pres_ == 0);
-    return true;
-  }
-  void leave(Exp* exp, Exp*) {
-    if (exp->nature == PRE_n) --pres_;
-  }
-
- private:
-  Mentions* mentions_;
-  int pres_ = 0;  // that are open
-};
-
 void Mentions::add(Exp* e) {
-  MentionVisitor visitor(this);
-  walk(e, visitor);
+  each_mention(prg_, e, [this](const Mention& mention) { note(mention); });
 }
 
 std::vector<int> needs_of(EcPrg* prg, Exp* e, bool now) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "model/ecprg.h"
+#include "model/walk.h"
 
 namespace tamsel {
 
@@ -40,6 +41,31 @@ struct Mention {
   bool now;  // outside of every `pre`, at one place at least
 };
 
+// Calls `take` with each mention in `e` (not null), however often a name is mentioned.
+template <class Take>
+void each_mention(EcPrg* prg, Exp* e, Take take) {
+  struct Visitor : ExpVisitor {
+    Visitor(EcPrg* program, Take& taker) : prg(program), take_(taker) {}
+
+    bool enter(Exp* exp, Exp*, int) {
+      if (exp->nature == PRE_n) ++pres;
+      if (exp->nature == CALL_n) take_(Mention{exp->order, true, pres == 0});
+      if (exp->nb_args == 0 && exp->ident != 0 && !is_literal(prg, exp))
+        take_(Mention{exp->ident, false, pres == 0});
+      return true;
+    }
+    void leave(Exp* exp, Exp*) {
+      if (exp->nature == PRE_n) --pres;
+    }
+
+    EcPrg* prg;
+    Take& take_;
+    int pres = 0;  // that are open
+  };
+  Visitor visitor(prg, take);
+  walk(e, visitor);
+}
+
 // Collects the names that expressions mention, each once and in the order of their first mention.
 class Mentions {
  public:
@@ -52,8 +78,7 @@ class Mentions {
   const std::vector<Mention>& all() const { return all_; }
 
  private:
-  friend class MentionVisitor;
-  void note(int symbol, bool is_function, bool now);
+  void note(const Mention& mention);
 
   EcPrg* prg_;
   std::vector<Mention> all_;

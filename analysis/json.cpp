@@ -130,7 +130,13 @@ unsigned take_escaped(std::string_view* text) {
 
 void JsonWriter::put_string(std::string_view text) {
   put("\"");
+  const auto is_plain = [](char c) { return c >= ' ' && c != '"' && c != '\\' && c != 0x7F; };
   while (!text.empty()) {
+    size_t plain = 0;
+    while (plain < text.size() && is_plain(text[plain])) ++plain;
+    put(text.substr(0, plain));
+    text.remove_prefix(plain);
+    if (text.empty()) break;
     const size_t length = character_length(text);
     const unsigned first = static_cast<unsigned char>(text[0]);
     if (length == 0 || first < ' ') {

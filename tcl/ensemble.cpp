@@ -171,10 +171,10 @@ Tcl_Obj* Question::number(int value) const {
 
 Tcl_Obj* Question::list_of(const std::vector<int>& names) const {
   if (names.empty()) return ensemble_->shared.empty.get();
-  Tcl_Obj* list = Tcl_NewListObj(0, nullptr);
-  for (const int symbol : names)
-    Tcl_ListObjAppendElement(nullptr, list, Tcl_NewStringObj(name(symbol), -1));
-  return list;
+  std::vector<Tcl_Obj*> items;
+  items.reserve(names.size());
+  for (const int symbol : names) items.push_back(Tcl_NewStringObj(name(symbol), -1));
+  return Tcl_NewListObj(static_cast<ListSize>(items.size()), items.data());
 }
 
 Tcl_Obj* Question::list_of(const std::vector<Parameter>& parameters) const {

@@ -124,7 +124,9 @@ class ExpPrinter : public ExpVisitor {
  public:
   // With `by_structure`, the root is written by its structure even where it has a name.
   ExpPrinter(const ExpNotation& notation, bool by_structure, PtyStream* out, SymbolTable* symbols)
-      : notation_(notation), by_structure_(by_structure), out_(out), symbols_(symbols) {}
+      : notation_(notation), by_structure_(by_structure), out_(out), symbols_(symbols) {
+    if (notation.is_brief) around_.reserve(32);
+  }
 
   // Inline as far as names go, which most nodes are.
   bool enter(Exp* exp, Exp* parent, int place) {
