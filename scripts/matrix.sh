@@ -38,9 +38,10 @@ odd() {  # [LANG]
   [[ -z ${1:-} ]] || export LANG=$1
 }
 
-# All that README asks for, in a folder of its own.
+# All that README asks for, in a folder of its own, where a kept Debian keeps what it built.
 whole() {  # FOLDER
-  rm -rf "$1"
+  local scratch=${TMPDIR:-/tmp}
+  dpkg --purge tcl-tamsel 2>/dev/null || true
   mkdir -p "$1"
   tar -C "$1" -xf build/sources.tar
   cd "$1"
@@ -48,19 +49,20 @@ whole() {  # FOLDER
   ./test.sh
   printf 'APT::Get::Assume-Yes "true";\n' >/etc/apt/apt.conf.d/90yes
   # Its lines with a "$", some of which find the faults that they show; then those that install.
-  sed -n 's/^    \$ //p' README.md | bash 2>&1 </dev/stdin | tee "${TMPDIR:-/tmp}/said"
+  sed -n 's/^    \$ //p' README.md >"$scratch/lines"
+  bash "$scratch/lines" </dev/null 2>&1 | tee "$scratch/said" || true
   for line in 'count is well typed' '11 programs, 2 with faults' \
     'tamsel-batch: 11 files: 9 good, 0 with warnings, 2 with errors'; do
-    grep -qxF "$line" "${TMPDIR:-/tmp}/said"
+    grep -xF "$line" "$scratch/said"
   done
-  sed -n '/^## Installing/,/^## Commands/s/^    //p' README.md >"${TMPDIR:-/tmp}/lines"
+  sed -n '/^## Installing/,/^## Commands/s/^    //p' README.md >"$scratch/lines"
   bash -ec '
     sudo() { "$@"; }
     HOME=${HOME-$(echo ~)}
     . "$1"
     for TCLLIBPATH in "$TCLLIBPATH" ""; do TAMSEL_TK=0 tclsh8.6 <<<"puts [package require Tamsel]"; done
-    ' - "${TMPDIR:-/tmp}/lines" | tee "${TMPDIR:-/tmp}/said"
-  tail -n 2 "${TMPDIR:-/tmp}/said" | grep -cx 1.0 | grep -x 2
+    ' - "$scratch/lines" | tee "$scratch/said"
+  tail -n 2 "$scratch/said" | grep -cx 1.0 | grep -x 2
 }
 
 both() {
