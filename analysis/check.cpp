@@ -65,9 +65,9 @@ class Checker {
 
 void Checker::find_holes() {
   for (const EcPrg::Message& message : prg_->messages) {
-    std::vector<int> names;
-    if (message.name != 0) names.push_back(message.name);
-    add(FindingKind::hole, names, message.line, message.text);
+    const bool is_named = message.name != 0;
+    add(FindingKind::hole, is_named ? std::vector<int>{message.name} : std::vector<int>{},
+        message.line, message.text);
   }
   each_declared({NameKind::output, NameKind::local}, [this](const IdentInfo* ident) {
     if (right_side(ident) == nullptr)
