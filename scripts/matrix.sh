@@ -38,17 +38,22 @@ odd() {  # [LANG]
   [[ -z ${1:-} ]] || export LANG=$1
 }
 
-# All that README asks for, in a folder of its own, where a kept Debian keeps what it built.
+# In a folder of its own, where a kept Debian keeps what it built.
 whole() {  # FOLDER
-  local scratch=${TMPDIR:-/tmp}
-  dpkg --purge tcl-tamsel 2>/dev/null || true
   mkdir -p "$1"
   tar -C "$1" -xf build/sources.tar
   cd "$1"
+  dpkg --purge tcl-tamsel 2>/dev/null || true
   ./run.sh
   ./test.sh
+  readme
+}
+
+# The lines of README, as they stand there.
+readme() {
+  local scratch=${TMPDIR:-/tmp}
   printf 'APT::Get::Assume-Yes "true";\n' >/etc/apt/apt.conf.d/90yes
-  # Its lines with a "$", some of which find the faults that they show; then those that install.
+  # Those with a "$", some of which find the faults that they show; then those that install.
   sed -n 's/^    \$ //p' README.md >"$scratch/lines"
   bash "$scratch/lines" </dev/null 2>&1 | tee "$scratch/said" || true
   for line in 'count is well typed' '11 programs, 2 with faults' \
