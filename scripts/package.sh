@@ -24,8 +24,10 @@ fi
 
 cd build/package
 rm -f ./*.deb
+# Both read the names of files as texts, and lintian gives those of temporary ones to a shell.
+export LC_ALL=C.UTF-8
 ../../scripts/quietly.sh cpack "${packed[@]}"
 if command -v lintian >/dev/null; then
-  lintian --allow-root --fail-on error,warning ./*.deb
+  TMPDIR=/tmp lintian --allow-root --fail-on error,warning ./*.deb
 fi
 printf 'build/package/%s\n' *.deb
