@@ -54,7 +54,7 @@ class Checker {
       for (const int symbol : prg_->declared_names(kind)) take(prg_->ident(symbol));
   }
 
-  std::string fault_of_clock(const IdentInfo* ident) const;
+  const char* fault_of_clock(const IdentInfo* ident) const;
   std::vector<bool> clock_loops();
   void check_clock(const Equation& equation);
 
@@ -131,19 +131,18 @@ void Checker::find_type_errors() {
 
 // --- Clocks.
 
-// What is wrong with the clock that `ident` declares; empty where nothing is.
-std::string Checker::fault_of_clock(const IdentInfo* ident) const {
-  if (ident->clock == prg_->true_clock) return "";
+// What is wrong with the clock that `ident` declares; null where nothing is.
+const char* Checker::fault_of_clock(const IdentInfo* ident) const {
+  if (ident->clock == prg_->true_clock) return nullptr;
   const IdentInfo* clock = prg_->ident(ident->clock);
-  const std::string what = "the clock " + quoted(ident->clock) + " of " + quoted(ident->name);
-  if (clock == nullptr) return what + " is not declared";
+  if (clock == nullptr) return "is not declared";
   const bool is_input = clock->mode == INPUT_mode;
   const bool is_output = clock->mode == OUTPUT_mode;
-  if (!is_input && !is_output && clock->mode != LOCAL_mode) return what + " is a constant";
-  if (clock->type != nullptr && clock->type != prg_->bool_type) return what + " is no boolean";
-  if (ident->mode == INPUT_mode && !is_input) return what + " is no input";
-  if (ident->mode == OUTPUT_mode && !is_input && !is_output) return what + " is no input or output";
-  return "";
+  if (!is_input && !is_output && clock->mode != LOCAL_mode) return "is a constant";
+  if (clock->type != nullptr && clock->type != prg_->bool_type) return "is no boolean";
+  if (ident->mode == INPUT_mode && !is_input) return "is no input";
+  if (ident->mode == OUTPUT_mode && !is_input && !is_output) return "is no input or output";
+  return nullptr;
 }
 
 // Which symbols are variables whose clocks lead back to them. From each name at which nobody has
@@ -168,35 +167,38 @@ std::vector<bool> Checker::clock_loops() {
 }
 
 void Checker::check_clock(const Equation& equation) {
-  const std::vector<int> names = equation.names();
+  const IdentInfo* first = equation.first;
   const auto refuse = [&](const std::string& message) {
-    add(FindingKind::clock, names, equation.line(), message);
+    add(FindingKind::clock, equation.names(), equation.line(), message);
   };
-  const int left = equation.first->clock;
-  for (const int name : names) {
-    const int clock = prg_->ident(name)->clock;
+  const int left = first->clock;
+  for (const IntList* cell = first->tuple_names; cell != nullptr; cell = cell->next) {
+    const int clock = prg_->ident(cell->value)->clock;
     if (clock == left) continue;
-    return refuse("clock error: " + quoted(names[0]) + " runs on " + quoted(left) + " and " +
-                  quoted(name) + " on " + quoted(clock));
+    return refuse("clock error: " + quoted(first->name) + " runs on " + quoted(left) + " and " +
+                  quoted(cell->value) + " on " + quoted(clock));
   }
   int right;
   std::string message;
   if (!clocks_.find(equation.right, &right, &message)) return refuse(message);
   if (right != any_clock && right != left)
-    refuse("clock error: " + quoted(names[0]) + " runs on " + quoted(left) +
+    refuse("clock error: " + quoted(first->name) + " runs on " + quoted(left) +
            ", and its right side on " + quoted(right));
 }
 
 void Checker::find_clock_errors() {
   const std::vector<bool> in_loop = clock_loops();
-  each_declared({NameKind::input, NameKind::output, NameKind::local, NameKind::constant},
-                [&](const IdentInfo* ident) {
-                  std::string fault = fault_of_clock(ident);
-                  if (fault.empty() && in_loop[static_cast<size_t>(ident->name)])
-                    fault = "the clocks of " + quoted(ident->name) + " lead back to it";
-                  if (!fault.empty())
-                    add(FindingKind::clock, {ident->name}, ident->line, "clock error: " + fault);
-                });
+  each_declared(
+      {NameKind::input, NameKind::output, NameKind::local, NameKind::constant},
+      [&](const IdentInfo* ident) {
+        const auto refuse = [&](const std::string& message) {
+          add(FindingKind::clock, {ident->name}, ident->line, "clock error: the " + message);
+        };
+        if (const char* fault = fault_of_clock(ident))
+          refuse("clock " + quoted(ident->clock) + " of " + quoted(ident->name) + " " + fault);
+        else if (in_loop[static_cast<size_t>(ident->name)])
+          refuse("clocks of " + quoted(ident->name) + " lead back to it");
+      });
   for (const Equation& equation : equations_) check_clock(equation);
   each_assertion([this](const IdentInfo* assertion) {
     int clock;
@@ -224,30 +226,33 @@ void Checker::find_cycles() {
 }
 
 void Checker::find_unused() {
-  std::vector<bool> used(static_cast<size_t>(prg_->symbols->nb_symbols) + 1);
-  const auto use = [&](int symbol) {
-    if (symbol > 0 && symbol <= prg_->symbols->nb_symbols) used[static_cast<size_t>(symbol)] = true;
+  const size_t symbols = static_cast<size_t>(prg_->symbols->nb_symbols) + 1;
+  std::vector<bool> used(symbols);
+  std::vector<bool> called(symbols);  // as functions
+  const auto use = [symbols](std::vector<bool>* which, int symbol) {
+    const size_t place = static_cast<size_t>(symbol);  // a negative one is beyond all
+    if (place < symbols) (*which)[place] = true;
   };
   const auto use_all_of = [&](Exp* e) {
-    each_mention(prg_, e, [&](const Mention& mention) {
-      if (mention.is_function == (prg_->function(mention.symbol) != nullptr)) use(mention.symbol);
+    each_mention(e, [&](const Mention& mention, const Exp*) {
+      use(mention.is_function ? &called : &used, mention.symbol);
     });
   };
   for (const Equation& equation : equations_) use_all_of(equation.right);
   each_assertion([&](const IdentInfo* assertion) { use_all_of(assertion->definition); });
   each_declared({NameKind::input, NameKind::output, NameKind::local, NameKind::constant},
-                [&](const IdentInfo* ident) { use(ident->clock); });
+                [&](const IdentInfo* ident) { use(&used, ident->clock); });
 
-  const auto note = [&](int symbol, int line) {
-    if (!used[static_cast<size_t>(symbol)])
+  const auto note = [&](const std::vector<bool>& which, int symbol, int line) {
+    if (!which[static_cast<size_t>(symbol)])
       add(FindingKind::unused, {symbol}, line, "nothing mentions " + quoted(symbol));
   };
   each_declared({NameKind::input, NameKind::local, NameKind::constant},
                 [&](const IdentInfo* ident) {
-                  if (ident->mode != ENUM_CONST_mode) note(ident->name, ident->line);
+                  if (ident->mode != ENUM_CONST_mode) note(used, ident->name, ident->line);
                 });
   for (const int symbol : prg_->declared_names(NameKind::function))
-    note(symbol, prg_->function(symbol)->line);
+    note(called, symbol, prg_->function(symbol)->line);
 }
 
 }  // namespace

@@ -34,7 +34,7 @@ Needs::Needs(EcPrg* prg, const std::vector<Equation>& equations) {
   };
   for (const Equation& equation : equations) {
     first.push_back(edges.size());
-    each_mention(prg, equation.right, [&](const Mention& mention) {
+    each_mention(equation.right, [&](const Mention& mention, const Exp*) {
       if (mention.now && !mention.is_function) add(mention.symbol);
     });
     for (const int name : equation.names())

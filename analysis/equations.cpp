@@ -70,7 +70,9 @@ void Mentions::note(const Mention& mention) {
 }
 
 void Mentions::add(Exp* e) {
-  each_mention(prg_, e, [this](const Mention& mention) { note(mention); });
+  each_mention(e, [this](const Mention& mention, const Exp* node) {
+    if (mention.is_function || !is_literal(prg_, node)) note(mention);
+  });
 }
 
 std::vector<int> needs_of(EcPrg* prg, Exp* e, bool now) {

@@ -41,28 +41,27 @@ struct Mention {
   bool now;  // outside of every `pre`, at one place at least
 };
 
-// Calls `take` with each mention in `e` (not null), however often a name is mentioned.
+// Calls `take` with each mention in `e` (not null), however often a name is mentioned; of literals
+// too, as if they were names. `take` gets the node as well.
 template <class Take>
-void each_mention(EcPrg* prg, Exp* e, Take take) {
+void each_mention(Exp* e, Take take) {
   struct Visitor : ExpVisitor {
-    Visitor(EcPrg* program, Take& taker) : prg(program), take_(taker) {}
+    explicit Visitor(Take& taker) : take_(taker) {}
 
     bool enter(Exp* exp, Exp*, int) {
       if (exp->nature == PRE_n) ++pres;
-      if (exp->nature == CALL_n) take_(Mention{exp->order, true, pres == 0});
-      if (exp->nb_args == 0 && exp->ident != 0 && !is_literal(prg, exp))
-        take_(Mention{exp->ident, false, pres == 0});
+      if (exp->nature == CALL_n) take_(Mention{exp->order, true, pres == 0}, exp);
+      if (exp->nb_args == 0 && exp->ident != 0) take_(Mention{exp->ident, false, pres == 0}, exp);
       return true;
     }
     void leave(Exp* exp, Exp*) {
       if (exp->nature == PRE_n) --pres;
     }
 
-    EcPrg* prg;
     Take& take_;
     int pres = 0;  // that are open
   };
-  Visitor visitor(prg, take);
+  Visitor visitor(take);
   walk(e, visitor);
 }
 

@@ -42,6 +42,39 @@ foreach size $sizes {
     rename p {}
 }
 
+# The medians of a few runs of each script, in microseconds. They are run in turn, so that a busy machine is
+# busy for all of them.
+proc costs {scripts} {
+    for {set round 0} {$round < 5} {incr round} {
+        dict for {what script} $scripts {dict lappend costs $what [lindex [uplevel #0 [list time $script]] 0]}
+    }
+    dict map {what runs} $costs {median $runs}
+}
+
+# Questions to the ensemble, on programs without errors. Each is compared with what a script would do otherwise.
+foreach size $sizes {
+    set file [file join $folder sound-$size.ec]
+    ecprg p
+    p load $file
+    set names [tamsel names p]
+    set defined [tamsel names p -defined 1]
+    tamsel users p [lindex $names 0]
+    set costs [costs [list load {p load $file} fresh-check {tamsel check p} dump {p dump $folder/dumped} \
+        minimal {foreach name $names {minimal $name}} minimal-defined {foreach name $defined {minimal $name}} \
+        names {tamsel names p; foreach name $names {tamsel describe p $name}} \
+        definition {foreach name $defined {tamsel definition p $name}} json {tamsel text p -format json} \
+        first-users {tamsel users p [lindex $names 0]} users {foreach name $defined {tamsel users p $name}}]]
+    dict for {what value} $costs {set $what [expr {double(max($value, 1))}]}
+    puts "check / load;$size;[expr {${fresh-check} / $load}]"
+    puts "names and a describe for each / minimal command;$size;[expr {$names / $minimal}]"
+    puts "definition of all / 1.5 dump + minimal command;$size;[expr {$definition / (1.5 * $dump + ${minimal-defined})}]"
+    puts "JSON / dump;$size;[expr {$json / $dump}]"
+    puts "index of users / load;$size;[expr {${first-users} / $load}]"
+    puts "users, once indexed / minimal command;$size;[expr {$users / ${minimal-defined}}]"
+    file delete $folder/dumped
+    rename p {}
+}
+
 foreach file [glob [file join $folder wide-*.ec]] {
     set times {}
     for {set round 0} {$round < 15} {incr round} {

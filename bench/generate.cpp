@@ -10,8 +10,10 @@
 
 namespace {
 
-void write_random(int size, int expression_size, bool long_names, int reach = 1000) {
+void write_random(int size, int expression_size, bool long_names, int reach = 1000,
+                  bool sound = false) {
   GeneratorOptions options;
+  options.sound = sound;
   options.reach = reach;
   options.equations = size;
   options.expression_size = expression_size;
@@ -57,6 +59,7 @@ const struct {
 } shapes[] = {
     {"random", [](int size) { write_random(size, 10, false); }},
     {"scattered", [](int size) { write_random(size, 10, false, 0); }},  // names from anywhere
+    {"sound", [](int size) { write_random(size, 10, false, 1000, true); }},
     {"small", [](int size) { write_random(size, 2, false); }},
     {"large", [](int size) { write_random(size, 50, false); }},
     {"long-names", [](int size) { write_random(size, 10, true); }},

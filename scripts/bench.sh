@@ -54,6 +54,7 @@ measure_all() {
   mkdir -p "$results"
   for size in "${sizes[@]}"; do
     generate "$size" "$size"
+    generate "sound-$size" "$size" sound
     load_fresh "$size"
     measure "$size" "$size" .
   done
