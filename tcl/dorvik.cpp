@@ -20,13 +20,7 @@ using namespace tamsel;
 
 Dorvik* last_dorvik;
 
-namespace {
-
-int DORVIK_help(void*, Tcl_Interp*, int, const char*[]);
-int DORVIK_verbose(void*, Tcl_Interp*, int, const char*[]);
-int DORVIK_sigint(void*, Tcl_Interp*, int, const char*[]);
-int DORVIK_ecprg(void*, Tcl_Interp*, int, const char*[]);
-
+// One global command.
 struct GlobalCommand {
   const char* name;
   Tcl_CmdProc* procedure;
@@ -34,8 +28,14 @@ struct GlobalCommand {
   const char* help[2];  // lines of the help text, behind the name
 };
 
+namespace {
+
+int DORVIK_help(void*, Tcl_Interp*, int, const char*[]);
+int DORVIK_verbose(void*, Tcl_Interp*, int, const char*[]);
+int DORVIK_sigint(void*, Tcl_Interp*, int, const char*[]);
+int DORVIK_ecprg(void*, Tcl_Interp*, int, const char*[]);
+
 // In the order in which help prints them.
-enum { HELP, VERBOSE_MODE, SIGINT_SCRIPT, ECPRG };
 const GlobalCommand global_commands[] = {
     {"help", DORVIK_help, "", {"  -- print help", nullptr}},
     {"verbose",
@@ -53,8 +53,10 @@ const GlobalCommand global_commands[] = {
      {" <manager name> [<node name>]  --creates a node manager", nullptr}},
 };
 
-int usage_error(void* data, int command, const char* name) {
-  return static_cast<Dorvik*>(data)->cmd_error(name, "%s", global_commands[command].usage);
+Dorvik* dorvik_of(void* data) { return static_cast<Dorvik::Command*>(data)->dorvik; }
+
+int usage_error(void* data, const char* name) {
+  return dorvik_of(data)->cmd_error(name, "%s", static_cast<Dorvik::Command*>(data)->row->usage);
 }
 
 int DORVIK_help(void*, Tcl_Interp*, int, const char*[]) {
@@ -71,8 +73,7 @@ int DORVIK_help(void*, Tcl_Interp*, int, const char*[]) {
 int DORVIK_verbose(void* data, Tcl_Interp* interp, int argc, const char* argv[]) {
   return run_command(interp, [=] {
     int level = 1;
-    if (argc > 2 || (argc == 2 && monatoi(argv[1], &level) != 0))
-      return usage_error(data, VERBOSE_MODE, argv[0]);
+    if (argc > 2 || (argc == 2 && monatoi(argv[1], &level) != 0)) return usage_error(data, argv[0]);
     set_verbose_mode(level);
     Verbose("verbose mode set to %d\n", level);
     return TCL_OK;
@@ -81,16 +82,16 @@ int DORVIK_verbose(void* data, Tcl_Interp* interp, int argc, const char* argv[])
 
 int DORVIK_sigint(void* data, Tcl_Interp* interp, int argc, const char* argv[]) {
   return run_command(interp, [=] {
-    if (argc != 2) return usage_error(data, SIGINT_SCRIPT, argv[0]);
-    static_cast<Dorvik*>(data)->set_sigint_script(argv[1]);
+    if (argc != 2) return usage_error(data, argv[0]);
+    dorvik_of(data)->set_sigint_script(argv[1]);
     return TCL_OK;
   });
 }
 
 int DORVIK_ecprg(void* data, Tcl_Interp* interp, int argc, const char* argv[]) {
   return run_command(interp, [=] {
-    if (argc < 2) return usage_error(data, ECPRG, argv[0]);
-    return static_cast<Dorvik*>(data)->create_ecprg(argv[1], argc - 2, argv + 2);
+    if (argc < 2) return usage_error(data, argv[0]);
+    return dorvik_of(data)->create_ecprg(argv[1], argc - 2, argv + 2);
   });
 }
 
@@ -194,11 +195,12 @@ int run_dorvik_Init(Tcl_Interp* interp) {
 }
 
 Dorvik::Dorvik(Tcl_Interp* served) : interp(served), programs(nullptr), previous(nullptr) {
+  for (const GlobalCommand& row : global_commands) commands.push_back({this, &row});
   Tcl_CallWhenDeleted(interp, forget_interp, this);
   sigint_script = Tcl_NewStringObj("puts \"dorvik: ctrl-c exit...\"\nexit", -1);
   Tcl_IncrRefCount(sigint_script);
-  for (const GlobalCommand& command : global_commands)
-    Tcl_CreateCommand(interp, command.name, command.procedure, this, nullptr);
+  for (Command& command : commands)
+    Tcl_CreateCommand(interp, command.row->name, command.row->procedure, &command, nullptr);
   ensemble = std::make_unique<tamsel::Ensemble>(interp);
   if (is_sigint_thread()) {
     previous = last_dorvik;

@@ -17,6 +17,7 @@
 #include "tcl/support.h"
 
 class EcPrgVar;
+struct GlobalCommand;
 struct Operation;
 namespace tamsel {
 class Ensemble;
@@ -58,6 +59,13 @@ class Dorvik {
   // Runs it, unless the interpreter is gone.
   void run_sigint_script();
 
+  // What a global command is given as its client data.
+  struct Command {
+    Dorvik* dorvik;
+    const GlobalCommand* row;  // of the table
+  };
+
+  std::vector<Command> commands;
   Tcl_Interp* interp;                          // null when it is gone
   Tcl_Obj* sigint_script;                      // this object holds one reference
   std::unique_ptr<tamsel::Ensemble> ensemble;  // null when the interpreter is gone
