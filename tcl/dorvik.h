@@ -155,6 +155,10 @@ class EcPrgVar {
   int equation(const Operation& operation, int nparams, const char* params[]);
   int exp_type(const Operation& operation, int nparams, const char* params[]);
 
+  // What an operation that loads reads: hand over the stream, or answer null with an error result.
+  FILE* open_file(const Operation& operation, const char* name);
+  FILE* open_channel(const Operation& operation, const char* name);
+
   // `prg` uses `symbols`; they are deleted in the order prg, symbols, exp_names.
   std::unique_ptr<SymbolTable> exp_names;  // handles issued; null before the first
   std::unique_ptr<SymbolTable> symbols;    // null where there is no program
@@ -197,8 +201,6 @@ class EcPrgVar {
  private:
   void drop_replaced();
   int add_to_program(const Operation& operation, int nparams, const char* params[]);
-  FILE* open_file(const Operation& operation, const char* name);
-  FILE* open_channel(const Operation& operation, const char* name);
 
   const char* type_name(const EcType* type) const;
   int select(const Operation& operation, const char* index, int* symbol);
@@ -219,12 +221,13 @@ void ECPRG_delete(void* object);
 // strtol in base 10. Returns 0, or 1 where `text` does not begin with a number.
 int monatoi(const char* text, int* value);
 
-// One of the lists of a program, with the counter of its members and the access to them by
-// position.
+// One of the lists of a program, with the counter of its members, the access to them by position,
+// and how a variable is added.
 struct Section {
   IntList* EcPrg::*names;
   int EcPrg::*count;
-  tamsel::IntListIndex EcPrgVar::*index;  // null where nobody asks
+  tamsel::IntListIndex EcPrgVar::*index = nullptr;                     // null where nobody asks
+  void (*add_variable)(EcPrg* prg, int name, EcType* type) = nullptr;  // null: of no variables
 };
 
 // What an operation does to the program of its object.
@@ -244,6 +247,8 @@ struct Operation {
   Effect effect;
   const Section* section;  // the list it asks or adds to, or null
   const char* help;        // what help prints behind the word
+  // How the text is opened; null where none is loaded.
+  FILE* (EcPrgVar::*open)(const Operation& operation, const char* name) = nullptr;
 };
 
 // The one table of operations. `help` prints them in its order.

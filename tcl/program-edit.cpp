@@ -40,12 +40,7 @@ int EcPrgVar::addvar(const Operation& operation, int nparams, const char* params
   else if (symbols->find_then_add(&symbol, "%s", formatted_name(params[1]).c_str()) != 0)
     return used_name_error(operation, params[1]);
 
-  if (operation.section->names == &EcPrg::inputs)
-    prg->add_input(symbol, type, prg->true_clock);
-  else if (operation.section->names == &EcPrg::outputs)
-    prg->add_output(symbol, type, prg->true_clock, 0);
-  else
-    prg->add_local(symbol, type, prg->true_clock);
+  operation.section->add_variable(prg.get(), symbol, type);
   const char* name = symbols->name(symbol);
   Verbose(2, "=> %s %s : %s\n", operation.word, name, params[0]);
   return text_result(name);

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 
 #include "foundation/errors.h"
 #include "reader/reader.h"
@@ -91,9 +90,7 @@ int EcPrgVar::load(const Operation& operation, int, const char* params[]) {
   if (reader_is_busy())
     return call_error({{"STATE", "BUSY"}}, "%s: %s", operation.word, busy_message);
   Program fresh;
-  const bool from_file = std::strcmp(operation.word, "load") == 0;
-  std::unique_ptr<FILE, int (*)(FILE*)> file(
-      from_file ? open_file(operation, name) : open_channel(operation, name), std::fclose);
+  std::unique_ptr<FILE, int (*)(FILE*)> file((this->*operation.open)(operation, name), std::fclose);
   if (file == nullptr) return TCL_ERROR;
   Verbose("loading %s ....\n", name);
 

@@ -11,23 +11,29 @@
 
 using namespace tamsel;
 
-static const Section inputs = {&EcPrg::inputs, &EcPrg::nb_inputs, &EcPrgVar::input_index};
-static const Section outputs = {&EcPrg::outputs, &EcPrg::nb_outputs, &EcPrgVar::output_index};
-static const Section locals = {&EcPrg::locals, &EcPrg::nb_locals, &EcPrgVar::local_index};
-static const Section assertions = {&EcPrg::assertions, &EcPrg::nb_assertions, nullptr};
+static const Section inputs = {
+    &EcPrg::inputs, &EcPrg::nb_inputs, &EcPrgVar::input_index,
+    [](EcPrg* prg, int name, EcType* type) { prg->add_input(name, type, prg->true_clock); }};
+static const Section outputs = {
+    &EcPrg::outputs, &EcPrg::nb_outputs, &EcPrgVar::output_index,
+    [](EcPrg* prg, int name, EcType* type) { prg->add_output(name, type, prg->true_clock, 0); }};
+static const Section locals = {
+    &EcPrg::locals, &EcPrg::nb_locals, &EcPrgVar::local_index,
+    [](EcPrg* prg, int name, EcType* type) { prg->add_local(name, type, prg->true_clock); }};
+static const Section assertions = {&EcPrg::assertions, &EcPrg::nb_assertions};
 static const Section functions = {&EcPrg::functions, &EcPrg::nb_functions,
                                   &EcPrgVar::function_index};
 
 // clang-format off
 constexpr Operation operations[] = {
     // word, handler, parameters from, to, usage, effect, section
-    //     help
+    //     help, what opens the text
     {"init", &EcPrgVar::init, 0, 1, "[<node-name>]", Effect::replaces, nullptr,
         " [<node name>]  --init an empty quarel node"},
     {"load", &EcPrgVar::load, 1, 1, "<ec-file-name>", Effect::replaces, nullptr,
-        " <file.ec>  --load ec program from file"},
+        " <file.ec>  --load ec program from file", &EcPrgVar::open_file},
     {"loadch", &EcPrgVar::load, 1, 1, "<ec-file-name>", Effect::replaces, nullptr,
-        " <fileid>   --load ec program from channel"},
+        " <fileid>   --load ec program from channel", &EcPrgVar::open_channel},
     {"dump", &EcPrgVar::dump, 0, 1, "[<ec-file-name>]", Effect::asks, nullptr,
         " [<file>]  --dump the structure in quarel format"},
     {"profile", &EcPrgVar::profile, 0, 0, "<index>", Effect::adds, nullptr,
