@@ -28,17 +28,17 @@ void walk(Exp* root, Visitor& visitor) {
     Exp* exp;
     int next;  // the operand to visit next
   };
-  Frame few[32];            // enough for most expressions
-  std::vector<Frame> many;  // for the others
-  Frame* path = few;        // from the root
-  size_t room = 32;
+  Frame on_stack[32];          // enough for most expressions
+  std::vector<Frame> on_heap;  // for the others
+  Frame* path = on_stack;      // from the root
+  size_t room = sizeof on_stack / sizeof *on_stack;
   size_t depth = 0;
   const auto open = [&](Exp * exp) __attribute__((always_inline)) {
     if (depth == room) {
       std::vector<Frame> larger(path, path + depth);
       larger.resize(room *= 2);
-      many.swap(larger);
-      path = many.data();
+      on_heap.swap(larger);
+      path = on_heap.data();
     }
     path[depth++] = {exp, 0};
     // They come from all over the memory, and the first is asked for at once.

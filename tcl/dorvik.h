@@ -88,7 +88,7 @@ class EcPrgVar {
   // Around a call: the object stays, and so do the programs that a script of Ctrl-C replaces while
   // it runs.
   void begin_call() {
-    ++holders;
+    ++reference_count;
     ++calls;
   }
   void end_call() {
@@ -96,7 +96,7 @@ class EcPrgVar {
     release();
   }
   void release() {
-    if (--holders == 0) delete this;
+    if (--reference_count == 0) delete this;
   }
 
   // Replaces the program by an empty node called `name`.
@@ -163,14 +163,14 @@ class EcPrgVar {
   std::unique_ptr<SymbolTable> exp_names;  // handles issued; null before the first
   std::unique_ptr<SymbolTable> symbols;    // null where there is no program
   std::unique_ptr<EcPrg> prg;              // null only after an ecprg with too many words
-  std::vector<Exp*> handled;               // by the number of the handle in exp_names, from 1
+  std::vector<Exp*> handled_exps;          // item n has the handle n + 1 of exp_names
   GrownTexts grown_texts;                  // interned in `symbols` by summing up
   EcPrgVar* next = nullptr;                // of the owner's list
   EcPrgVar* previous = nullptr;            // of the same
   Tcl_Command command = nullptr;           // null before it is created and when it is gone
   Tcl_Obj* full_name = nullptr;            // of the command; this object holds one reference
   Dorvik* owner;
-  int holders = 1;          // see the class
+  int reference_count = 1;  // of its command and of each call
   int calls = 0;            // that are under way, one within the other
   int new_ident_count = 0;  // of generated names
   tamsel::IntListIndex input_index, output_index, local_index,

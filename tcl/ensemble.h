@@ -89,8 +89,8 @@ class Guest {
  private:
   // Handles and declarations, which only grow in number.
   size_t count_others() const {
-    return object_->handled.size() + static_cast<size_t>(prg_->nb_inputs + prg_->nb_outputs +
-                                                         prg_->nb_locals + prg_->nb_functions);
+    return object_->handled_exps.size() + static_cast<size_t>(prg_->nb_inputs + prg_->nb_outputs +
+                                                              prg_->nb_locals + prg_->nb_functions);
   }
 
   const EcPrgVar* object_;

@@ -23,7 +23,7 @@ void EcPrgVar::install(Program program) {
   prg = std::move(program.prg);
   symbols = std::move(program.symbols);
   exp_names.reset();
-  handled.clear();
+  handled_exps.clear();
   grown_texts.clear();
   new_ident_count = 0;
   input_index = output_index = local_index = function_index = IntListIndex();

@@ -165,7 +165,7 @@ int EcPrgVar::call(const char* word, int nparams, const char* params[]) {
 int EcPrgVar::add_to_program(const Operation& operation, int nparams, const char* params[]) {
   const EcPrg::Mark program = prg->mark();
   const int names = symbols->nb_symbols;
-  const size_t handles = handled.size();
+  const size_t handles = handled_exps.size();
   const int new_idents = new_ident_count;
   try {
     return (this->*operation.handler)(operation, nparams, params);
@@ -173,7 +173,7 @@ int EcPrgVar::add_to_program(const Operation& operation, int nparams, const char
     prg->roll_back(program);
     symbols->cut_back(names);
     if (exp_names != nullptr) exp_names->cut_back(static_cast<int>(handles));
-    handled.resize(handles);
+    handled_exps.resize(handles);
     new_ident_count = new_idents;
     throw;
   }
@@ -216,14 +216,14 @@ const char* EcPrgVar::command_name() const {
 const char* EcPrgVar::exp2string(Exp* e) {
   if (exp_names == nullptr) exp_names = std::make_unique<SymbolTable>();
   const int number = exp_names->add("_exp%lX", reinterpret_cast<unsigned long>(e));
-  if (static_cast<size_t>(number) > handled.size()) handled.push_back(e);
+  if (static_cast<size_t>(number) > handled_exps.size()) handled_exps.push_back(e);
   return exp_names->name(number);
 }
 
 Exp* EcPrgVar::string2exp(const char* handle) {
   // As it stands: a text that means another name has a '%', which no handle has.
   const int number = exp_names != nullptr ? exp_names->find_text(handle) : 0;
-  return number != 0 ? handled[static_cast<size_t>(number) - 1] : nullptr;
+  return number != 0 ? handled_exps[static_cast<size_t>(number) - 1] : nullptr;
 }
 
 int monatoi(const char* text, int* value) {
