@@ -8,8 +8,7 @@
 
 using namespace tamsel;
 
-static const int BucketCount = 5041;   // of the tape of a symbol table
-static const size_t PageRoom = 16380;  // bytes of a page that are counted
+static const int BucketCount = 5041;  // of the tape of a symbol table
 static const size_t PageSize = sizeof(STapePage::chars);
 
 // A page with at least `size` characters, in one block; `next` is null.
@@ -39,7 +38,7 @@ void StringTape::init(int size) {
   hash_size = size;
   current_page = new_page(PageSize);
   page_cursor = page_start(current_page);
-  page_room = PageRoom;
+  page_room = STapePage::room;
 }
 
 // Adds up groups of low nibbles. The first group has seven of them and the others eight, which
@@ -70,7 +69,7 @@ void StringTape::note_vain_walk(int bucket) {
 
 // The copy in a page of `s`, which has `size` characters with its end.
 char* StringTape::store(const char* s, size_t size) {
-  if (size > PageRoom) {
+  if (size > STapePage::room) {
     STapePage* page = new_page(size);
     // Behind the current page, which goes on being filled.
     page->next = current_page->next;
@@ -82,7 +81,7 @@ char* StringTape::store(const char* s, size_t size) {
     page->next = current_page;
     current_page = page;
     page_cursor = page_start(page);
-    page_room = PageRoom;
+    page_room = STapePage::room;
   }
   char* copy = page_cursor;
   memcpy(copy, s, size);

@@ -20,8 +20,10 @@
 // One page of string storage. A string that no ordinary page can hold gets a longer page of its
 // own.
 struct STapePage {
-  STapePage* next;    // the page filled before this one
-  char chars[16384];  // 16380 of them are counted as room
+  static constexpr size_t room = 16380;  // bytes of `chars` that are counted
+
+  STapePage* next;  // the page filled before this one
+  char chars[16384];
 };
 
 struct STapeHashItem {

@@ -4,6 +4,7 @@
 #define FOUNDATION_TEXT_H
 
 #include <cstdarg>
+#include <cstddef>
 #include <string>
 
 // Lets the compiler check the arguments of a printf-style operation: the places of its format and
@@ -11,6 +12,10 @@
 #define PRINTF_LIKE(text, arguments) __attribute__((format(printf, text, arguments)))
 
 namespace tamsel {
+
+// How many bytes, with their end, the places of fixed size have that messages and lexemes are kept
+// in.
+constexpr size_t text_room = 1024;
 
 // The whole formatted text, however long. Leaves `args` undefined, as vprintf does.
 std::string format_text(const char* format, va_list args) PRINTF_LIKE(1, 0);

@@ -15,6 +15,7 @@
 #include "foundation/intlist.h"
 #include "foundation/pty.h"
 #include "foundation/symbols.h"
+#include "foundation/text.h"
 #include "model/exp.h"
 #include "model/types.h"
 
@@ -196,7 +197,7 @@ class EcPrg {
   EcType* types = nullptr;        // all, newest first
   ExpHeap exp_heap;               // every node
   SymbolInfoHeap info_heap;       // every identifier's record; borrowed from `infos` and `replaced`
-  char error_message[1024] = "";
+  char error_message[tamsel::text_room] = "";
   std::vector<Message> messages;  // of the text that the program was read from, in order
   int message_line = 0;           // of what is being read; 0: messages are not kept
   bool silent = false;            // type and clock report no misuse through ierror

@@ -39,7 +39,7 @@ struct EcValue {
     IntList* types;
   };
   union {
-    char text[1024];
+    char text[text_room];
     int symbol;
     IntList* list;
     Params params;
@@ -86,8 +86,8 @@ extern thread_local const char*&
 extern thread_local FILE*& YY_infile;  // the file being read; null for a string
 extern thread_local int& YYLEX_BOOT;   // token to deliver before any text; 0: none
 extern thread_local int& YY_result;    // the token last delivered; 0 at the end or after an error
-extern thread_local char (&buffer)[1024];      // the lexeme being assembled
-extern thread_local char (&lexemeBuff)[1024];  // room for printLexeme
+extern thread_local char (&buffer)[tamsel::text_room];      // the lexeme being assembled
+extern thread_local char (&lexemeBuff)[tamsel::text_room];  // room for printLexeme
 
 // Begin a scan at line 1 with the boot token armed. They return 1, or 0 where the text is empty.
 int yylexInitFile(int boot, FILE* f);

@@ -40,9 +40,9 @@ class Scanner {
   long long not_in_column_ = 0;
 
  public:
-  char buffer[1024] = {};
-  char lexemeBuff[1024] = {};
-  char lexical_message[1024] = {};  // of the error that ended the scan; empty: none
+  char buffer[text_room] = {};
+  char lexemeBuff[text_room] = {};
+  char lexical_message[text_room] = {};  // of the error that ended the scan; empty: none
   EcValue ecprg_lval;
 
  private:

@@ -29,10 +29,9 @@ class InternedText {
 
   // Interns the text and returns it, borrowed from the table.
   const char* intern() {
-    constexpr size_t page = 16380;
     int symbol = table_->tape->known(text_.c_str());
     if (symbol == 0 || grown_->count(symbol) == 0) {
-      if (text_.size() < page)
+      if (text_.size() < STapePage::room)
         for (const size_t length : steps_) table_->add_text(text_.substr(0, length).c_str());
       symbol = table_->add_text(text_.c_str());
       grown_->insert(symbol);
