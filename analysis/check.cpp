@@ -8,11 +8,6 @@
 
 namespace tamsel {
 
-const char* kind_word(FindingKind kind) {
-  static const char* const words[] = {"hole", "type", "clock", "cycle", "unused"};
-  return words[static_cast<int>(kind)];
-}
-
 const char* severity_word(FindingKind kind) {
   return kind == FindingKind::unused ? "note" : "error";
 }

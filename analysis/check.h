@@ -2,6 +2,7 @@
 #ifndef ANALYSIS_CHECK_H
 #define ANALYSIS_CHECK_H
 
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -18,8 +19,13 @@ enum class FindingKind {
 };
 constexpr FindingKind finding_kinds[] = {FindingKind::hole, FindingKind::type, FindingKind::clock,
                                          FindingKind::cycle, FindingKind::unused};
+// Their words, in this order, and null.
+constexpr const char* finding_kind_words[] = {"hole", "type", "clock", "cycle", "unused", nullptr};
+static_assert(std::size(finding_kind_words) == std::size(finding_kinds) + 1, "a kind has no word");
 
-const char* kind_word(FindingKind kind);      // "hole" and so on
+inline const char* kind_word(FindingKind kind) {
+  return finding_kind_words[static_cast<int>(kind)];
+}
 const char* severity_word(FindingKind kind);  // "error" or "note"
 
 struct Finding {

@@ -7,11 +7,6 @@
 
 namespace tamsel {
 
-const char* kind_word(NameKind kind) {
-  static const char* const words[] = {"input", "output", "local", "constant", "function", "type"};
-  return words[static_cast<int>(kind)];
-}
-
 // The names and types that a declaration lists, or else the types alone.
 static std::vector<Parameter> listed(const IntList* list, const EcType* type) {
   std::vector<Parameter> found;

@@ -2,6 +2,7 @@
 #ifndef ANALYSIS_DESCRIBE_H
 #define ANALYSIS_DESCRIBE_H
 
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -9,8 +10,11 @@
 
 namespace tamsel {
 
-// The word for a kind: "input" and so on.
-const char* kind_word(NameKind kind);
+// The words for the kinds, in the order of name_kinds, and null.
+constexpr const char* name_kind_words[] = {"input",    "output", "local", "constant",
+                                           "function", "type",   nullptr};
+static_assert(std::size(name_kind_words) == std::size(name_kinds) + 1, "a kind has no word");
+inline const char* kind_word(NameKind kind) { return name_kind_words[static_cast<int>(kind)]; }
 
 // A parameter or result of a function.
 struct Parameter {

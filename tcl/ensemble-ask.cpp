@@ -35,9 +35,6 @@ const Subcommand subcommands[] = {
 // clang-format on
 const int subcommand_count = sizeof subcommands / sizeof subcommands[0];
 
-static const char* const kind_words[] = {"input",    "output", "local", "constant",
-                                         "function", "type",   nullptr};
-
 // --- Names.
 
 namespace {
@@ -74,7 +71,7 @@ int Question::names() {
           [&](int option, Tcl_Obj* value) {
             switch (option) {
               case 0:
-                return read_word(value, kind_words, "kind", &filter.kind);
+                return read_word(value, name_kind_words, "kind", &filter.kind);
               case 1:
                 filter.type =
                     Tcl_GetString(value)[0] == '\0' ? NameFilter::none : find_symbol(value);
@@ -285,13 +282,12 @@ int Question::messages() {
 
 int Question::check_program() {
   static const Option options[] = {{"-only", true}, {nullptr, false}};
-  static const char* const kinds[] = {"hole", "type", "clock", "cycle", "unused", nullptr};
   std::vector<FindingKind> asked(std::begin(finding_kinds), std::end(finding_kinds));
   if (read_options(0, options, [&](int, Tcl_Obj* value) {
         asked.clear();
         return each_word(value, "kinds", [&](Tcl_Obj* kind) {
           int place;
-          if (read_word(kind, kinds, "kind", &place) != TCL_OK) return TCL_ERROR;
+          if (read_word(kind, finding_kind_words, "kind", &place) != TCL_OK) return TCL_ERROR;
           asked.push_back(finding_kinds[place]);
           return TCL_OK;
         });

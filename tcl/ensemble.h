@@ -6,6 +6,7 @@
 #define TCL_ENSEMBLE_H
 
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,14 +36,17 @@ extern const int subcommand_count;
 
 // Words that answers have in common: made once, and not for each answer.
 struct SharedValues {
+  SharedValues() {
+    for (const NameKind each : name_kinds) kinds[static_cast<int>(each)] = Value(kind_word(each));
+  }
+
   Value kind{"kind"}, type{"type"}, clock{"clock"}, index{"index"}, equation{"equation"},
       with{"with"}, line{"line"}, equation_line{"equation-line"}, rank{"rank"},
       constants{"constants"}, params{"params"}, results{"results"}, text{"text"}, needs{"needs"},
       severity{"severity"}, name{"name"}, names{"names"}, message{"message"}, error{"error"},
       base_clock{"true"}, empty{""};
   Value numbers[3] = {Value(Tcl_NewIntObj(-1)), Value(Tcl_NewIntObj(0)), Value(Tcl_NewIntObj(1))};
-  Value kinds[6] = {Value("input"),    Value("output"),   Value("local"),
-                    Value("constant"), Value("function"), Value("type")};
+  Value kinds[std::size(name_kinds)];
 };
 
 // The ensemble of one interpreter. Goes when the interpreter has deleted its commands.
