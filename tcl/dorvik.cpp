@@ -13,6 +13,7 @@
 #include "foundation/errors.h"
 #include "reader/reader.h"
 #include "tcl/ensemble.h"
+#include "tcl/program.h"
 #include "tcl/tcl_init_quarel.h"
 #include "tcl/tcl_timer.h"
 
@@ -275,4 +276,10 @@ void Dorvik::set_sigint_script(const char* script) {
 
 void Dorvik::run_sigint_script() {
   if (interp != nullptr) evaluate_aside(interp, sigint_script);
+}
+
+int monatoi(const char* text, int* value) {
+  const char* end;
+  *value = read_int(text, &end);
+  return end == text;
 }

@@ -13,7 +13,7 @@
 
 #include "analysis/describe.h"
 #include "analysis/expression_text.h"
-#include "tcl/dorvik.h"
+#include "tcl/program.h"
 #include "tcl/value.h"
 
 namespace tamsel {

@@ -4,7 +4,7 @@
 
 #include "foundation/errors.h"
 #include "reader/reader.h"
-#include "tcl/dorvik.h"
+#include "tcl/program.h"
 #include "tcl/syntax_error.h"
 
 using namespace tamsel;

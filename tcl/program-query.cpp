@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "foundation/errors.h"
-#include "tcl/dorvik.h"
+#include "tcl/program.h"
 
 using namespace tamsel;
 

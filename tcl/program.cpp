@@ -1,4 +1,4 @@
-// Program objects: the table of operations, their dispatch, and the life of an object.
+#include "tcl/program.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -7,7 +7,6 @@
 
 #include "foundation/errors.h"
 #include "foundation/wordindex.h"
-#include "tcl/dorvik.h"
 
 using namespace tamsel;
 
@@ -224,10 +223,4 @@ Exp* EcPrgVar::string2exp(const char* handle) {
   // As it stands: a text that means another name has a '%', which no handle has.
   const int number = exp_names != nullptr ? exp_names->find_text(handle) : 0;
   return number != 0 ? handled_exps[static_cast<size_t>(number) - 1] : nullptr;
-}
-
-int monatoi(const char* text, int* value) {
-  const char* end;
-  *value = read_int(text, &end);
-  return end == text;
 }
