@@ -38,8 +38,8 @@ class Checker {
   }
   template <class Take>
   void each_assertion(Take take) {
-    for (const IntList* cell = prg_->assertions; cell != nullptr; cell = cell->next) {
-      const IdentInfo* assertion = prg_->ident(cell->value);
+    for (const int symbol : values_of(prg_->assertions)) {
+      const IdentInfo* assertion = prg_->ident(symbol);
       if (assertion != nullptr && assertion->definition != nullptr) take(assertion);
     }
   }
@@ -76,8 +76,8 @@ std::string Checker::type_text(const EcType* type) const {
   if (type == nullptr) return "?";
   if (!type->is_tuple) return prg_->symbols->name(type->name);
   std::string text;
-  for (const IntList* member = type->members; member != nullptr; member = member->next)
-    text += (text.empty() ? "(" : ", ") + std::string(prg_->symbols->name(member->value));
+  for (const int member : values_of(type->members))
+    text += (text.empty() ? "(" : ", ") + std::string(prg_->symbols->name(member));
   return text + ")";
 }
 
@@ -167,11 +167,11 @@ void Checker::check_clock(const Equation& equation) {
     add(FindingKind::clock, equation.names(), equation.line(), message);
   };
   const int left = first->clock;
-  for (const IntList* cell = first->tuple_names; cell != nullptr; cell = cell->next) {
-    const int clock = prg_->ident(cell->value)->clock;
+  for (const int name : values_of(first->tuple_names)) {
+    const int clock = prg_->ident(name)->clock;
     if (clock == left) continue;
     return refuse("clock error: " + quoted(first->name) + " runs on " + quoted(left) + " and " +
-                  quoted(cell->value) + " on " + quoted(clock));
+                  quoted(name) + " on " + quoted(clock));
   }
   int right;
   std::string message;

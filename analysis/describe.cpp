@@ -14,8 +14,7 @@ static std::vector<Parameter> listed(const IntList* list, const EcType* type) {
     found.push_back({list->value, list->next->value});
   if (!found.empty() || type == nullptr) return found;
   if (!type->is_tuple) return {{0, type->name}};
-  for (const IntList* member = type->members; member != nullptr; member = member->next)
-    found.push_back({0, member->value});
+  for (const int member : values_of(type->members)) found.push_back({0, member});
   return found;
 }
 
@@ -107,11 +106,11 @@ std::vector<int> constants_of(EcPrg* prg, const EcType* type) {
   for (int rank = 0; rank < type->nb_enum; ++rank)
     if (type->enum_consts[rank] != nullptr) names.push_back(type->enum_consts[rank]->name);
   std::unordered_set<int> seen;
-  for (const IntList* cell = type->constants; cell != nullptr; cell = cell->next) {
-    const IdentInfo* constant = prg->ident(cell->value);  // may be another since
+  for (const int symbol : values_of(type->constants)) {
+    const IdentInfo* constant = prg->ident(symbol);  // may be another since
     if (constant != nullptr && constant->mode == USR_CONST_mode && constant->type == type &&
-        seen.insert(cell->value).second)
-      names.push_back(cell->value);
+        seen.insert(symbol).second)
+      names.push_back(symbol);
   }
   return names;
 }

@@ -13,8 +13,7 @@ Exp* right_side(const IdentInfo* ident) {
 std::vector<int> Equation::names() const {
   if (first->tuple_names == nullptr) return {first->name};
   std::vector<int> names;
-  for (const IntList* cell = first->tuple_names; cell != nullptr; cell = cell->next)
-    names.push_back(cell->value);
+  for (const int name : values_of(first->tuple_names)) names.push_back(name);
   return names;
 }
 

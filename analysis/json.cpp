@@ -45,8 +45,7 @@ class JsonWriter {
     });
     put(",\n");
     put_list("assertions", [this] {
-      for (const IntList* cell = prg_->assertions; cell != nullptr; cell = cell->next)
-        put_assertion(prg_->ident(cell->value));
+      for (const int symbol : values_of(prg_->assertions)) put_assertion(prg_->ident(symbol));
     });
     put(",\n");
     put_list("messages", [this] {

@@ -307,9 +307,9 @@ void Free(benchmark::State& state) {
 void Type(benchmark::State& state) {
   EcPrg& program = shared_program();
   std::vector<Exp*> roots;
-  for (IntList* list : {program.outputs, program.locals})
-    for (; list != nullptr; list = list->next)
-      if (Exp* e = program.ident(list->value)->definition) roots.push_back(e);
+  for (const IntList* list : {program.outputs, program.locals})
+    for (const int symbol : values_of(list))
+      if (Exp* e = program.ident(symbol)->definition) roots.push_back(e);
   for (auto _ : state) {
     state.PauseTiming();
     program.exp_heap.each([](Exp* e) {

@@ -60,9 +60,9 @@ void IntList::concat(IntList* other) {
 void IntList::print() {
   printf("{ %d", value);
   int on_line = 1;
-  for (const IntList* cell = next; cell != nullptr; cell = cell->next) {
+  for (const int further : values_of(next)) {
     const bool is_full = on_line == 10;
-    printf(is_full ? ",\n%d" : ", %d", cell->value);
+    printf(is_full ? ",\n%d" : ", %d", further);
     on_line = is_full ? 1 : on_line + 1;
   }
   printf(" }\n");

@@ -71,6 +71,32 @@ namespace tamsel {
 // The same, and of lists that may be null.
 int same_values(const IntList* a, const IntList* b);
 
+// The values of a list, which may be null, as a range. Borrows the list.
+class IntListRange {
+ public:
+  class Iterator {
+   public:
+    explicit Iterator(const IntList* cell) : cell_(cell) {}
+    int operator*() const { return cell_->value; }
+    Iterator& operator++() {
+      cell_ = cell_->next;
+      return *this;
+    }
+    bool operator!=(const Iterator& other) const { return cell_ != other.cell_; }
+
+   private:
+    const IntList* cell_;
+  };
+
+  explicit IntListRange(const IntList* list) : list_(list) {}
+  Iterator begin() const { return Iterator(list_); }
+  Iterator end() const { return Iterator(nullptr); }
+
+ private:
+  const IntList* list_;
+};
+inline IntListRange values_of(const IntList* list) { return IntListRange(list); }
+
 // The elements by position of a list that changes in no way but growing at its end. Borrows the
 // list.
 class IntListIndex {

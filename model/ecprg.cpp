@@ -224,11 +224,11 @@ IdentInfo* EcPrg::define_tuple(IntList* names, Exp* e) {
   std::unique_ptr<IntList> held(names);
   std::unordered_set<int> seen;
   std::vector<IdentInfo*> records;
-  for (const IntList* cell = names; cell != nullptr; cell = cell->next) {
-    IdentInfo* record = declared_ident(cell->value);
+  for (const int symbol : values_of(names)) {
+    IdentInfo* record = declared_ident(symbol);
     if (record == nullptr) return nullptr;
-    if (record->definition != nullptr || !seen.insert(cell->value).second) {
-      error_about(cell->value, "ident '%s' is already defined");
+    if (record->definition != nullptr || !seen.insert(symbol).second) {
+      error_about(symbol, "ident '%s' is already defined");
       return nullptr;
     }
     records.push_back(record);
@@ -366,8 +366,7 @@ void EcPrg::add_usr_type(int symbol, IntList* enum_names) {
   int rank = length(enum_names);
   type->enum_consts.reset(new IdentInfo*[rank]());
   type->nb_enum = rank;
-  for (const IntList* cell = enum_names; cell != nullptr; cell = cell->next)
-    add_enum_const(cell->value, type, true_clock, --rank);
+  for (const int value : values_of(enum_names)) add_enum_const(value, type, true_clock, --rank);
 }
 
 const char* EcPrg::type_name(const EcType* type, const char* unnamed) const {

@@ -167,8 +167,7 @@ int Question::type() {
   }
   if (!type->is_tuple) return give(Tcl_NewStringObj(name(type->name), -1));
   ListValue members;
-  for (const IntList* member = type->members; member != nullptr; member = member->next)
-    members.add(name(member->value));
+  for (const int member : values_of(type->members)) members.add(name(member));
   return give(members.get());
 }
 
@@ -229,8 +228,8 @@ int Question::assertions() {
   const SharedValues& shared = ensemble_->shared;
   ExpressionText written;
   ListValue list;
-  for (const IntList* cell = prg_->assertions; cell != nullptr; cell = cell->next) {
-    const IdentInfo* assertion = prg_->ident(cell->value);
+  for (const int symbol : values_of(prg_->assertions)) {
+    const IdentInfo* assertion = prg_->ident(symbol);
     if (assertion == nullptr || assertion->definition == nullptr) continue;
     Exp* e = assertion->definition;
     const std::vector<int> needed = needs_of(prg_, e, false);

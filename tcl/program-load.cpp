@@ -130,8 +130,8 @@ int EcPrgVar::dump(const Operation& operation, int nparams, const char* params[]
 int EcPrgVar::profile(const Operation& operation, int, const char*[]) {
   InternedText text(symbols.get(), &grown_texts, symbols->name(prg->name));
   const auto append_types = [&](const IntList* names) {
-    for (; names != nullptr; names = names->next) {
-      const IdentInfo* ident = prg->ident(names->value);
+    for (const int name : values_of(names)) {
+      const IdentInfo* ident = prg->ident(name);
       text.append(" ", prg->type_name(ident != nullptr ? ident->type : nullptr, "?"));
     }
   };

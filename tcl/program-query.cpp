@@ -72,8 +72,7 @@ int EcPrgVar::funcdecl(const Operation& operation, int, const char* params[]) {
   InternedText text(symbols.get(), &grown_texts, name);
   const auto append_type = [&](const EcType* type) {
     if (type == nullptr || !type->is_tuple) return text.append(" ", prg->type_name(type, "?"));
-    for (const IntList* member = type->members; member != nullptr; member = member->next)
-      text.append(" ", symbols->name(member->value));
+    for (const int member : values_of(type->members)) text.append(" ", symbols->name(member));
   };
   append_type(function->param_type);
   text.append(" :", "");

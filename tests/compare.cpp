@@ -27,11 +27,9 @@ class Account {
  public:
   explicit Account(EcPrg* prg) : prg_(prg) {
     add("node", prg->symbols->name(prg->name));
-    for (const IntList* cell = prg->user_types; cell != nullptr; cell = cell->next)
-      add("type", name(cell->value));
+    for (const int symbol : tamsel::values_of(prg->user_types)) add("type", name(symbol));
     for (IntList* EcPrg::*const list : name_lists)
-      for (const IntList* cell = prg->*list; cell != nullptr; cell = cell->next)
-        add_record(cell->value);
+      for (const int symbol : tamsel::values_of(prg->*list)) add_record(symbol);
   }
   const std::vector<std::string>& lines() const { return lines_; }
 
@@ -45,13 +43,13 @@ class Account {
     if (type == nullptr) return "?";
     if (!type->is_tuple) return name(type->name);
     std::string text = "(";
-    for (const IntList* cell = type->members; cell != nullptr; cell = cell->next)
-      text += std::string(name(cell->value)) + ",";
+    for (const int member : tamsel::values_of(type->members))
+      text += std::string(name(member)) + ",";
     return text + ")";
   }
   std::string names_text(const IntList* list) const {
     std::string text;
-    for (; list != nullptr; list = list->next) text += std::string(" ") + name(list->value);
+    for (const int symbol : tamsel::values_of(list)) text += std::string(" ") + name(symbol);
     return text;
   }
 
@@ -139,9 +137,9 @@ bool is_reloadable(EcPrg* prg) {
   if (prg->name == 0 || prg->error_message[0] != '\0') return false;
   std::unordered_set<int> seen;
   for (IntList* EcPrg::*const list : name_lists) {
-    for (const IntList* cell = prg->*list; cell != nullptr; cell = cell->next) {
-      const IdentInfo* ident = prg->ident(cell->value);
-      if (!seen.insert(cell->value).second || (ident != nullptr && ident->tuple_names != nullptr))
+    for (const int symbol : tamsel::values_of(prg->*list)) {
+      const IdentInfo* ident = prg->ident(symbol);
+      if (!seen.insert(symbol).second || (ident != nullptr && ident->tuple_names != nullptr))
         return false;
     }
   }

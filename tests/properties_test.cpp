@@ -79,10 +79,11 @@ TEST_F(Properties, EveryExpressionHasItsDeclaredType) {
     LoadedProgram program;
     EcPrg& prg = program.prg;
     ASSERT_EQ(0, program.read(generated(options))) << seed << prg.error_message;
-    for (IntList* list : {prg.outputs, prg.locals, prg.assertions}) {
-      for (; list != nullptr; list = list->next, ++equations) {
-        SCOPED_TRACE(prg.symbols->name(list->value));
-        const IdentInfo* ident = prg.ident(list->value);
+    for (const IntList* list : {prg.outputs, prg.locals, prg.assertions}) {
+      for (const int symbol : tamsel::values_of(list)) {
+        ++equations;
+        SCOPED_TRACE(prg.symbols->name(symbol));
+        const IdentInfo* ident = prg.ident(symbol);
         ASSERT_NE(nullptr, ident->definition) << generated(options);
         const bool is_tuple = ident->tuple_names != nullptr;
         Exp* right = is_tuple ? ident->definition->args[0] : ident->definition;

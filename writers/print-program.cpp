@@ -14,7 +14,7 @@ using Names = std::vector<int>;
 
 Names names_in(const IntList* list) {
   Names names;
-  for (; list != nullptr; list = list->next) names.push_back(list->value);
+  for (const int name : tamsel::values_of(list)) names.push_back(name);
   return names;
 }
 
@@ -340,8 +340,8 @@ int EcPrg::print_func_decl(int symbol, PtyStream* out) {
 }
 
 int EcPrg::print_func_list(IntList* list, PtyStream* out) {
-  for (const IntList* cell = list; cell != nullptr; cell = cell->next) {
-    if (print_func_decl(cell->value, out) != 0) return 1;
+  for (const int symbol : tamsel::values_of(list)) {
+    if (print_func_decl(symbol, out) != 0) return 1;
     out->cr();
   }
   return 0;

@@ -70,8 +70,7 @@ void each_program(Take take) {
 std::vector<Exp*> expressions_of(EcPrg* prg) {
   std::vector<Exp*> all;
   for (const Equation& equation : equations_of(prg)) all.push_back(equation.right);
-  for (const IntList* cell = prg->assertions; cell != nullptr; cell = cell->next)
-    all.push_back(prg->ident(cell->value)->definition);
+  for (const int symbol : values_of(prg->assertions)) all.push_back(prg->ident(symbol)->definition);
   return all;
 }
 

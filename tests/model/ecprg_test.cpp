@@ -8,8 +8,8 @@
 
 static std::string names(Program& program, const IntList* list) {
   std::string text;
-  for (; list != nullptr; list = list->next)
-    text += std::string(text.empty() ? "" : " ") + program.symbols.name(list->value);
+  for (const int symbol : tamsel::values_of(list))
+    text += std::string(text.empty() ? "" : " ") + program.symbols.name(symbol);
   return text;
 }
 

@@ -17,8 +17,8 @@ static std::string name_of(Program& program, EcType* type) {
   if (!type->is_tuple) return program.prg.type_name(type, "?");
   EXPECT_LT(1, length(type->members));
   std::string text;
-  for (const IntList* cell = type->members; cell != nullptr; cell = cell->next)
-    text += (text.empty() ? "" : "*") + std::string(program.symbols.name(cell->value));
+  for (const int member : tamsel::values_of(type->members))
+    text += (text.empty() ? "" : "*") + std::string(program.symbols.name(member));
   return text;
 }
 
