@@ -24,7 +24,7 @@ size_t character_length(std::string_view text) {
   if (length > text.size()) return 0;
   for (size_t i = 1; i < length; ++i)
     if ((byte(i) & 0xC0) != 0x80) return 0;
-  // Longer forms of shorter characters, and what lies behind the last.
+  // Longer forms of shorter characters, and what lies after the last.
   if (first == 0xE0 && byte(1) < 0xA0) return 0;
   if (first == 0xED && byte(1) > 0x9F) return 0;  // half a character, as UTF-16 has them
   if (first == 0xF0 && byte(1) < 0x90) return 0;

@@ -5,7 +5,7 @@
 
 package require Tamsel
 
-# What keeps `file` from loading, behind the file's name and the line; empty if nothing does.
+# What keeps `file` from loading, after the file's name and the line; empty if nothing does.
 proc fault {file} {
     ecprg program
     try {

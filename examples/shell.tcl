@@ -37,7 +37,7 @@ proc files {beginning} {
     }
 }
 
-# All that may stand where the word `beginning` does, behind the words `before` of the same command.
+# All that may stand where the word `beginning` does, after the words `before` of the same command.
 proc possible {before beginning} {
     lassign $before object operation
     if {$before eq {}} {return [objects]}

@@ -1,6 +1,6 @@
 // foundation/chunks.h: arrays that grow by chunks of one size and never move an item.
 //
-// An array is its first chunk; the chunks behind it are owned by it. Items that pointers lead to
+// An array is its first chunk; the chunks after it are owned by it. Items that pointers lead to
 // are not owned. Any index from 0 is valid: reading past the end adds chunks of null items.
 #ifndef FOUNDATION_CHUNKS_H
 #define FOUNDATION_CHUNKS_H
@@ -31,7 +31,7 @@ class ChunkArray {
   ChunkArray& operator=(const ChunkArray&) = delete;
 
   // The item at `i` (from 0, counted from this chunk). Constant time; adds chunks where `i` lies
-  // behind the last. Throws bad_alloc with the array as it was or longer.
+  // after the last. Throws bad_alloc with the array as it was or longer.
   Item& operator[](int i) {
     // i / size_, by a multiplication that is exact for all ints and takes a third of the time.
     const uint64_t rank = (static_cast<uint64_t>(i) * reciprocal_) >> shift_;

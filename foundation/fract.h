@@ -37,7 +37,7 @@ long long ppcm(long long a, long long b);
 
 // Reads a number such as "12", "-0.5" or "1.5e2" at the start of `text` under any locale; what
 // follows it is ignored, and without any digit the number is 0. Exits if the number is not held
-// exactly, and if the "." has no digit behind it.
+// exactly, and if the "." has no digit after it.
 Fract atofract(const char* text);
 
 Fract uminus(const Fract& x);

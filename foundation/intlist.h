@@ -14,7 +14,7 @@ class IntList {
  public:
   // The list of values[0] .. values[n - 1], n from 1.
   IntList(const int* values, int n);
-  // Deletes the cells behind this one.
+  // Deletes the cells after this one.
   ~IntList();
   IntList(const IntList&) = delete;
   IntList& operator=(const IntList&) = delete;
@@ -104,7 +104,7 @@ class IntListIndex {
   // The same as extract of `list`, which is the same list each time, in constant time: a cell is
   // walked over once, however often elements are asked for.
   int extract(const IntList* list, int i, int* out) {
-    const size_t place = static_cast<size_t>(i);  // a negative one is behind all elements
+    const size_t place = static_cast<size_t>(i);  // a negative one is after all elements
     if (place >= values_.size() && !walk_to(list, i)) return 1;
     *out = values_[place];
     return 0;

@@ -158,7 +158,7 @@ class PtyStream {
   std::unique_ptr<char[]> block_;
   size_t block_size_ = 0;
   char* cursor_ = nullptr;
-  size_t room_ = 0;  // bytes of the block behind the cursor
+  size_t room_ = 0;  // bytes of the block after the cursor
 };
 
 // The same stream over an anonymous temporary file, which vanishes with it. The process exits with

@@ -71,7 +71,7 @@ void StringTape::note_vain_walk(int bucket) {
 char* StringTape::store(const char* s, size_t size) {
   if (size > STapePage::room) {
     STapePage* page = new_page(size);
-    // Behind the current page, which goes on being filled.
+    // After the current page, which goes on being filled.
     page->next = current_page->next;
     current_page->next = page;
     return static_cast<char*>(memcpy(page_start(page), s, size));

@@ -1,7 +1,7 @@
 // foundation/symbols.h: names, interned once and from then on handled as numbers.
 //
 // A symbol number counts from 1 in order of first insertion; 0 means "none". Numbers and texts stay
-// valid until the table is deleted, or cut back behind them. A name is given as a printf format
+// valid until the table is deleted, or cut back to before them. A name is given as a printf format
 // with its arguments, and is the formatted text; a text that comes from a user or a file is an
 // argument of
 // "%s" or goes through add_text and find_text, which read no format. Names of any length work.

@@ -69,7 +69,7 @@ void TextIndex::insert(int number, const TextKey& key) noexcept {
 void TextIndex::remove(int number, const TextKey& key) noexcept {
   size_t gap = place(key);
   while (slots_[gap].number != number) gap = (gap + 1) & mask();
-  // Each text behind the gap moves into it, unless its search begins behind the gap.
+  // Each text after the gap moves into it, unless its search begins after the gap.
   for (size_t i = (gap + 1) & mask(); slots_[i].number != 0; i = (i + 1) & mask()) {
     if (((i - place(slots_[i])) & mask()) < ((i - gap) & mask())) continue;
     slots_[gap] = slots_[i];

@@ -128,10 +128,10 @@ struct ExpInfo {
 // A list of operands, from its first cell. It owns its cells and borrows the expressions.
 class ExpList {
  public:
-  // Takes `rest`, the cells behind this one.
+  // Takes `rest`, the cells after this one.
   explicit ExpList(Exp* operand, ExpList* rest = nullptr)
       : length(rest != nullptr ? rest->length + 1 : 1), exp(operand), next(rest) {}
-  // Deletes the cells behind this one.
+  // Deletes the cells after this one.
   ~ExpList();
   ExpList(const ExpList&) = delete;
   ExpList& operator=(const ExpList&) = delete;
@@ -220,7 +220,7 @@ class Exp {
 
   ExpInfo* infos = nullptr;            // owned
   int key = 0;                         // for users of the model to number nodes
-  int reserved = 0;                    // nothing reads it
+  int reserved = 0;                    // for them as well; nothing here reads it
   tamsel::Coefficients<int> ints;      // one an operand, or null
   tamsel::Coefficients<Fract> coeffs;  // one an operand, or null
   Fract constant = Fract(0);           // the constant that goes with `coeffs`

@@ -26,7 +26,7 @@ class EcType {
   explicit EcType(int type_name) : name(type_name) {}
   // A tuple type. Takes `member_names`, which is not null.
   explicit EcType(IntList* member_names) : is_tuple(1), members(member_names) {}
-  // Deletes the types behind this one as well.
+  // Deletes the types after this one as well.
   ~EcType();
   EcType(const EcType&) = delete;
   EcType& operator=(const EcType&) = delete;

@@ -105,7 +105,7 @@ bool continues_name(int c) {
   return begins == Begins::name || begins == Begins::number;
 }
 
-// The bytes of a character of UTF-8 behind its first.
+// The bytes of a character of UTF-8 after its first.
 bool continues_character(int c) { return (c & 0xC0) == 0x80; }
 
 }  // namespace

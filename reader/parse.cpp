@@ -67,7 +67,7 @@ int Reader::parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const cha
   }
   ecprg_nerrs = result == 1;  // the first ends the parse
   if (out_of_memory) throw std::bad_alloc();
-  // Behind a whole program a lexical error ends the text, and the grammar does not complain.
+  // After a whole program a lexical error ends the text, and the grammar does not complain.
   if (result == 0 && boot == START_EC && lexical_message[0] != '\0')
     prg->messages.push_back({lexical_message, 0, token_place.line});
   return result;

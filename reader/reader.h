@@ -108,7 +108,7 @@ extern thread_local tamsel::EcValue& ecprg_lval;  // value of the current token
 extern thread_local int& ecprg_char;              // the look-ahead token; -2: none
 extern thread_local int& ecprg_nerrs;             // syntax errors of the current parse
 
-// Where that token begins; at the end, behind the last character.
+// Where that token begins; at the end, after the last character.
 namespace tamsel {
 EcPosition token_place();
 }

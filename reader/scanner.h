@@ -32,7 +32,7 @@ class Scanner {
   int YY_result = 0;
   EcPrg* YY_ecprg = nullptr;
   EcPosition
-      token_place;  // of the token that ended the parse; at the end, behind the last character
+      token_place;  // of the token that ended the parse; at the end, after the last character
  private:
   // For the column of a token: what was asked for since the scan began, the current character
   // included, and how much of it stands before the current line or is no character of its own.

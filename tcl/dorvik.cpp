@@ -26,7 +26,7 @@ struct GlobalCommand {
   const char* name;
   Tcl_CmdProc* procedure;
   const char* usage;
-  const char* help[2];  // lines of the help text, behind the name
+  const char* help[2];  // lines of the help text, after the name
 };
 
 namespace {

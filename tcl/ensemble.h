@@ -24,7 +24,7 @@ class Question;
 struct Subcommand {
   const char* word;
   int (Question::*handler)();
-  int min_words;       // behind the object's name
+  int min_words;       // after the object's name
   int max_words;       // -1: any number
   const char* usage;   // of all its words
   bool needs_program;  // in the object
@@ -155,7 +155,7 @@ class Question {
   int each_word(Tcl_Obj* list, const char* what, Take take);
   int read_names(Tcl_Obj* list, std::vector<int>* names);
 
-  // The words behind the object, from 0.
+  // The words after the object, from 0.
   Tcl_Obj* word(int i) const { return objv_[2 + i]; }
   int word_count() const { return objc_ - 2; }
 

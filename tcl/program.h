@@ -77,7 +77,7 @@ class EcPrgVar {
   // other text.
   Exp* string2exp(const char* handle);
 
-  // The operations, each for the rows of the table that name it. `params` are the words behind the
+  // The operations, each for the rows of the table that name it. `params` are the words after the
   // operation's; their number has been checked, and that there is a program where one is needed.
   int init(const Operation& operation, int nparams, const char* params[]);
   int load(const Operation& operation, int nparams, const char* params[]);
@@ -181,7 +181,7 @@ struct Operation {
   const char* usage;  // of the parameters, for the error on a wrong count; null: takes none
   Effect effect;
   const Section* section;  // the list it asks or adds to, or null
-  const char* help;        // what help prints behind the word
+  const char* help;        // what help prints after the word
   // How the text is opened; null where none is loaded.
   FILE* (EcPrgVar::*open)(const Operation& operation, const char* name) = nullptr;
 };

@@ -25,7 +25,7 @@ using ListSize = Tcl_Size;
 using ListSize = int;
 #endif
 
-// What the variable errorCode says behind the word TAMSEL: the kind of the error (USAGE, LOOKUP,
+// What the variable errorCode says after the word TAMSEL: the kind of the error (USAGE, LOOKUP,
 // STATE, SYNTAX, TYPE, CLOCK or IO), then details. Borrowed texts; the first null ends them.
 struct ErrorCode {
   const char* words[6];

@@ -282,7 +282,7 @@ class Generator {
     }
   }
 
-  // Texts, each with the type of the operand behind it; -1: there is none.
+  // Texts, each with the type of the operand after it; -1: there is none.
   struct Part {
     const char* text;
     int type;

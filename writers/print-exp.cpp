@@ -30,7 +30,7 @@ constexpr ExpNotation brief_notation = {"Exp::print_brief", "print_brief", false
 // one.
 struct Layout {
   ExpForm form = ExpForm::none;
-  PieceRun open;  // behind what a node writes of its own
+  PieceRun open;  // after what a node writes of its own
   PieceRun before_second;
   PieceRun before_others;
   PieceRun close;
@@ -90,12 +90,12 @@ const Layout* layouts(bool is_brief) {
 }
 
 // What stands around a node of the brief notation outside of all brackets: the priorities of the
-// operator before it, whose last operand it begins, and of the one behind it, whose first operand
+// operator before it, whose last operand it begins, and of the one after it, whose first operand
 // it ends; 0: none. A reader who comes to an operator takes what was before it for a whole operand
 // unless the operator binds tighter.
 struct Neighbours {
   int before = 0;
-  int behind = 0;
+  int after = 0;
   bool is_bracketed = false;
 };
 
@@ -104,7 +104,7 @@ bool needs_brackets(const ExpKind& kind, const Neighbours& neighbours) {
       kind.form != ExpForm::prefix && kind.form != ExpForm::conditional;
   if (kind.priority == 0) return false;
   if (begins_with_operand && kind.priority <= neighbours.before) return true;
-  return kind.priority < neighbours.behind || (kind.priority == neighbours.behind && !kind.chains);
+  return kind.priority < neighbours.after || (kind.priority == neighbours.after && !kind.chains);
 }
 
 // Those of the operand at `place`.
@@ -113,7 +113,7 @@ Neighbours neighbours_of_operand(const ExpKind& kind, const Neighbours& neighbou
   if (kind.priority == 0 || (kind.form == ExpForm::conditional && place < 2)) return {};
   Neighbours around = neighbours;
   if (place > 0 || kind.form == ExpForm::prefix) around.before = kind.priority;
-  if (place < count - 1) around.behind = kind.priority;
+  if (place < count - 1) around.after = kind.priority;
   around.is_bracketed = false;
   return around;
 }
@@ -162,7 +162,7 @@ class ExpPrinter : public ExpVisitor {
 
   void write(int number) { out_->put(number); }
   void write(const Fract& number) { out_->put_uncounted(number.text()); }
-  // A negative integer keeps its sign behind the minus of its term.
+  // A negative integer keeps its sign after the minus of its term.
   static int magnitude(int number) { return number; }
   static Fract magnitude(const Fract& number) { return abs(number); }
 

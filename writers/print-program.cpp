@@ -184,7 +184,7 @@ void EcPrg::Printer::put_types_and_constants() {
   };
   const auto read_types = [&](size_t count) {
     for (; read < count; ++read) add(true, types[read]);
-    // Those without values go along: they are before no constant that they should be behind.
+    // Those without values go along: they are before no constant that they should be after.
     for (; read < types.size() && prg_->named_type(types[read])->nb_enum == 0; ++read)
       add(true, types[read]);
   };

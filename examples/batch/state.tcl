@@ -29,7 +29,7 @@ proc read_items {path} {
     lrange [split $text \0] 0 end-1
 }
 
-# A channel for add_item, behind the items that the file has.
+# A channel for add_item, after the items that the file has.
 proc open_items {path} {
     set channel [open_bytes $path {RDWR CREAT}]
     chan truncate $channel [expr {[string last \0 [read $channel]] + 1}]

@@ -2,7 +2,7 @@
 //
 // To be preloaded, so that its operator new is the one that every library finds, and then loaded
 // into Tcl as well. Command `faults` of Tcl:
-//   faults arm N ?lasting?  the Nth allocation from now on (from 1) fails; those behind it as well
+//   faults arm N ?lasting?  the Nth allocation from now on (from 1) fails; those after it as well
 //                           where `lasting` is 1
 //   faults disarm           no allocation fails; answers whether one has
 #include <tcl.h>

@@ -58,7 +58,7 @@ TEST(TmpPtyStream, IsCopiedAtTheDepthOfTheOther) {
               stream->put(&text);
               EXPECT_EQ(3, stream->column);  // copied characters are not counted
               stream->put_text("!\n>");
-              text.put(2);  // goes on behind what was copied
+              text.put(2);  // goes on after what was copied
               stream->put(&text);
             }));
 }

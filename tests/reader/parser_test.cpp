@@ -22,7 +22,7 @@ TEST(Files, AreReadOrRefusedWithALine) {
       {"type t = ();", 1, near + "')'"}, {"type t = (a, b;", 1, near + "';'"},
       {"function f() returns (z : int)", 1, near + "')'"}, {"node 12", 1, near + "'12'"},
       {"function f(x : bool; z : int) return", 1, near + "'return'"},
-      // The line is that of the character behind the token.
+      // The line is that of the character after the token.
       {"node n(x : int)\nreturns (y : int)\nlet\ntel", 1, "syntax error line 4 near 'let'"},
       {"node n(x : int) (* a\n\n *)\n1.5e3 ", 1, "syntax error line 4 near '1.5e3'"},
       {node + "(a, y) = (i, j, (i, nor(a, b, tel", 1, near + "'tel'"},
@@ -59,7 +59,7 @@ TEST(StandAloneExpressions, AreReadOrRefused) {
       {"i true", near + "'true'"}, {"when", near + "'when'"},  // the low bytes of "#" and "%"
       {"if a then f(i, pre nosuch) else 1", "undeclared ident 'nosuch'"},
       {"n", "undeclared ident 'n'"}, {"nosuch + ", near + end},
-      // The lexical message stays, also behind what would be a complete expression.
+      // The lexical message stays, also after what would be a complete expression.
       {"i $", "lexical error: unknown char '36' ($), line '1'"},
       {"nosuch $", "lexical error: unknown char '36' ($), line '1'"},
       {"i +\n 2e", "lexical error: bad real syntax, line '2'"},

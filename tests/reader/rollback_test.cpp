@@ -31,7 +31,7 @@ std::vector<Case> cases() {
   std::vector<Case> all;
   for (std::string text : good_texts) {
     all.push_back({text, ExpRefusal::none});
-    text += ' ';  // the last token is empty, so that words come behind all others as well
+    text += ' ';  // the last token is empty, so that words come after all others as well
     for (size_t at = 0, end; at <= text.size(); at = end + 1) {
       end = std::min(text.find(' ', at), text.size());
       const std::string before = text.substr(0, at), after = text.substr(end);

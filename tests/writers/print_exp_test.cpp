@@ -8,7 +8,7 @@ static const char declarations[] =
     "function two(p : int) returns (q : int; r : int)"
     "node n(a, b, c, d : bool; i, j, k, n : int; x, y, z : real) returns (o : int); let tel";
 
-// Each line has a text and its fully parenthesised form, behind a tab.
+// Each line has a text and its fully parenthesised form, after a tab.
 TEST(PrintedExpressions, ShowHowTheTextWasRead) {
   Program program(declarations);
   std::ifstream table(SOURCE_DIR "/tests/data/precedence.tsv");
@@ -79,7 +79,7 @@ TEST(PrintedExpressions, CoverWhatCallersBuild) {
       {w.call("f", {w("(i, j)"), w("- k")}), "f(i, j)"},
       {w.call("f", {w("k"), w("(i, j)")}), "f(k, (i, j))"},
       {w.call("g", {w("pre (i, j)")}), "g(pre((i, j)))"},
-      // Integer factors keep their sign behind a minus.
+      // Integer factors keep their sign after a minus.
       {w.sum({1, -2}, -3), "i --2*j -3"}, {w.sum({-1, 1, 0}, 3), "-i +j +0*(i)+(j) +3"},
       {w.sum({Q(2), Q(1), Q(-1, 2)}, 3), "2*x +y -1/2*(x)+(y) +3"},
       {w.sum({Q(-1), Q(-1), Q(3, 2)}, Q(-1, 2)), "-x -y +3/2*(x)+(y) -1/2"},
