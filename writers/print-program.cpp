@@ -85,12 +85,12 @@ class EcPrg::Printer {
 
 // A name of the language that no type has.
 std::string EcPrg::Printer::undeclared_type() const {
-  std::string name = "_";
+  std::string word = "_";
   int symbol;
-  while (symbols_->find_then_get(&symbol, "%s", name.c_str()) != 0 &&
+  while (symbols_->find_then_get(&symbol, "%s", word.c_str()) != 0 &&
          prg_->named_type(symbol) != nullptr)
-    name += '_';
-  return name;
+    word += '_';
+  return word;
 }
 
 void EcPrg::Printer::put_declarations(const Names& names, Clocks clocks) {
@@ -157,14 +157,14 @@ void EcPrg::Printer::put_constants(const Names& names) {
 // In an order in which they can be read: a type stands before its constants, and an enumeration
 // among the constants where its values do.
 void EcPrg::Printer::put_types_and_constants() {
-  const Names types = prg_->declared_names(NameKind::type);
+  const Names declared = prg_->declared_names(NameKind::type);
   std::unordered_map<int, size_t> place;  // of a type and of each value of one, from 1
-  for (size_t i = 0; i < types.size(); ++i) {
-    const EcType* type = prg_->named_type(types[i]);
+  for (size_t i = 0; i < declared.size(); ++i) {
+    const EcType* type = prg_->named_type(declared[i]);
     for (int rank = 0; rank < type->nb_enum; ++rank)
       if (type->enum_consts[rank] != nullptr) place[type->enum_consts[rank]->name] = i + 1;
   }
-  for (size_t i = 0; i < types.size(); ++i) place.emplace(types[i], i + 1);
+  for (size_t i = 0; i < declared.size(); ++i) place.emplace(declared[i], i + 1);
 
   // What is read, written in sections that are as long as the order allows.
   size_t read = 0;  // types
@@ -183,10 +183,10 @@ void EcPrg::Printer::put_types_and_constants() {
     section.push_back(symbol);
   };
   const auto read_types = [&](size_t count) {
-    for (; read < count; ++read) add(true, types[read]);
+    for (; read < count; ++read) add(true, declared[read]);
     // Those without values go along: they are before no constant that they should be after.
-    for (; read < types.size() && prg_->named_type(types[read])->nb_enum == 0; ++read)
-      add(true, types[read]);
+    for (; read < declared.size() && prg_->named_type(declared[read])->nb_enum == 0; ++read)
+      add(true, declared[read]);
   };
   read_types(0);
   const auto place_of = [&](int symbol) {
@@ -199,7 +199,7 @@ void EcPrg::Printer::put_types_and_constants() {
     if (constant->type != nullptr) read_types(place_of(constant->type->name));
     if (constant->mode == USR_CONST_mode) add(false, symbol);
   }
-  read_types(types.size());
+  read_types(declared.size());
   write_section();
 }
 
@@ -211,10 +211,10 @@ void EcPrg::Printer::put_params(FuncInfo* function, IntList* list, const EcType*
     return;
   }
   int number = 0;
-  const Names types = type->is_tuple ? names_in(type->members) : Names{type->name};
-  put_separated(types, "; ", out_, [&](int symbol) {
-    const std::string name = prefix + std::to_string(++number);
-    out_->put_text(name.c_str());
+  const Names of_types = type->is_tuple ? names_in(type->members) : Names{type->name};
+  put_separated(of_types, "; ", out_, [&](int symbol) {
+    const std::string word = prefix + std::to_string(++number);
+    out_->put_text(word.c_str());
     out_->put_literal(" : ");
     put_name(symbol);
   });
@@ -280,8 +280,8 @@ unsigned EcPrg::Printer::print() {
     for (IntList* list : {prg_->functions, prg_->tuple_functions})
       if (prg_->print_func_list(list, out_) != 0 && dialect_.needs_functions) return 1;
   }
-  const Names outputs = names_of(NameKind::output, prg_->outputs);
-  const Names locals = names_of(NameKind::local, prg_->locals);
+  const Names output_names = names_of(NameKind::output, prg_->outputs);
+  const Names local_names = names_of(NameKind::local, prg_->locals);
   out_->cr();
   out_->put_literal("node ");
   put_name(prg_->name);
@@ -292,18 +292,18 @@ unsigned EcPrg::Printer::print() {
   out_->cr();
   out_->put_literal(") returns (");
   out_->tab();
-  put_declarations(outputs, dialect_.of_variables);
+  put_declarations(output_names, dialect_.of_variables);
   out_->untab();
   out_->cr();
   out_->put_literal(");");
   out_->cr();
-  if (!locals.empty()) put_section("var", locals, dialect_.of_variables);
+  if (!local_names.empty()) put_section("var", local_names, dialect_.of_variables);
   if (!dialect_.reads_back) out_->cr();
   out_->put_literal("let");
   out_->tab();
   put_assertions(names_in(prg_->assertions));
-  put_equations(outputs);
-  put_equations(locals);
+  put_equations(output_names);
+  put_equations(local_names);
   out_->untab();
   out_->cr();
   out_->put_text(dialect_.end);
