@@ -31,7 +31,7 @@ class Checker {
     return "'" + std::string(prg_->symbols->name(symbol)) + "'";
   }
   std::string type_text(const EcType* type) const;
-  bool fits(const EcType* type, const std::vector<int>& names) const;
+  bool fits(const EcType* type, const Equation& equation) const;
   std::string left_type_text(const std::vector<int>& names) const;
   void add(FindingKind kind, std::vector<int> names, int line, std::string message) {
     findings.push_back({kind, std::move(names), line, std::move(message)});
@@ -82,15 +82,17 @@ std::string Checker::type_text(const EcType* type) const {
 }
 
 // Whether the names of a left side have that type, as far as they have one.
-bool Checker::fits(const EcType* type, const std::vector<int>& names) const {
+bool Checker::fits(const EcType* type, const Equation& equation) const {
   const auto agrees = [this](int member, int name) {
     const EcType* declared = prg_->ident(name)->type;
     return declared == nullptr || declared->name == member;
   };
-  if (names.size() == 1) return !type->is_tuple && agrees(type->name, names[0]);
+  const IntList* names = equation.first->tuple_names;
+  if (names == nullptr || names->next == nullptr)
+    return !type->is_tuple && agrees(type->name, equation.first->name);
   if (!type->is_tuple) return false;
   const IntList* member = type->members;
-  for (const int name : names) {
+  for (const int name : values_of(names)) {
     if (member == nullptr || !agrees(member->value, name)) return false;
     member = member->next;
   }
@@ -108,11 +110,12 @@ std::string Checker::left_type_text(const std::vector<int>& names) const {
 void Checker::find_type_errors() {
   for (const Equation& equation : equations_) {
     const EcType* type = prg_->type_of_operands(equation.right);
-    if (type == nullptr)
-      add(FindingKind::type, equation.names(), equation.line(), prg_->error_message);
-    else if (const std::vector<int> names = equation.names(); !fits(type, names))
-      add(FindingKind::type, names, equation.line(),
-          "bad type combination '" + left_type_text(names) + " = " + type_text(type) + "'");
+    if (type != nullptr && fits(type, equation)) continue;
+    const std::vector<int> names = equation.names();
+    add(FindingKind::type, names, equation.line(),
+        type == nullptr
+            ? prg_->error_message
+            : "bad type combination '" + left_type_text(names) + " = " + type_text(type) + "'");
   }
   each_assertion([this](const IdentInfo* assertion) {
     const EcType* type = prg_->type_of_operands(assertion->definition);

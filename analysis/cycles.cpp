@@ -26,7 +26,7 @@ class Needs {
 Needs::Needs(EcPrg* prg, const std::vector<Equation>& equations) {
   std::vector<size_t> defines(static_cast<size_t>(prg->symbols->nb_symbols) + 1, none);
   for (size_t i = 0; i < equations.size(); ++i)
-    for (const int name : equations[i].names()) defines[static_cast<size_t>(name)] = i;
+    equations[i].each_name([&](int name) { defines[static_cast<size_t>(name)] = i; });
   const auto add = [&](int name) {
     const size_t symbol = static_cast<size_t>(name);
     if (symbol < defines.size() && defines[symbol] != none)
@@ -37,8 +37,9 @@ Needs::Needs(EcPrg* prg, const std::vector<Equation>& equations) {
     each_mention(equation.right, [&](const Mention& mention, const Exp*) {
       if (mention.now && !mention.is_function) add(mention.symbol);
     });
-    for (const int name : equation.names())
+    equation.each_name([&](int name) {
       if (const int clock = prg->ident(name)->clock; clock != prg->true_clock) add(clock);
+    });
   }
   first.push_back(edges.size());
 }

@@ -24,6 +24,12 @@ struct Equation {
   Exp* right;
 
   std::vector<int> names() const;  // of the left side, in order
+  // Calls `take` with each of them.
+  template <class Take>
+  void each_name(Take take) const {
+    if (first->tuple_names == nullptr) return take(first->name);
+    for (const int name : values_of(first->tuple_names)) take(name);
+  }
   int line() const { return first->equation_line; }
 };
 
