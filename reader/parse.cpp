@@ -51,7 +51,9 @@ int Reader::parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const cha
     ~Turn() { reader.end_parse(); }
     Reader& reader;
   };
-  YY_ecprg = prg;
+  // By its global name: that makes the references of this thread. A caller that clang has built may
+  // read one without asking whether it is made.
+  ::YY_ecprg = prg;
   YY_Symbols = symbols;
   ecexp = nullptr;
   ecprg_char = -2;

@@ -8,7 +8,7 @@ library=$1
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
 names=$(nm --demangle --defined-only --extern-only "$library" | sed -nE 's/^[0-9a-f]+ [A-Z] //p' |
-  grep -vE '^[^(]*\b(std|tamsel|DW)\b|^operator' |
+  grep -vE '^[^(]*\b(std|tamsel|DW)\b|^operator|^__' |
   sed -E 's/^(vtable|typeinfo|typeinfo name|guard variable|TLS (wrapper|init) function) for //; s/[^A-Za-z_0-9].*//' | sort -u)
 [[ -n $names ]]
 extra=$(comm -23 - tests/data/global-names.txt <<<"$names")
