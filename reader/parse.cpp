@@ -24,7 +24,12 @@ thread_local int& ecprg_nerrs = thread_reader().ecprg_nerrs;
 
 EcPosition tamsel::token_place() { return thread_reader().token_place; }
 
-void tamsel::prepare_reader() { thread_reader(); }
+// The references above are made all at once, when one of them is asked for.
+void tamsel::prepare_reader() { ::YY_ecprg = thread_reader().YY_ecprg; }
+
+// Clang may read a reference of a thread ahead of the call that makes it. So those of the first
+// thread are there from the start.
+static const bool is_prepared = (prepare_reader(), true);
 
 bool tamsel::reader_is_busy() { return thread_reader().is_busy; }
 
@@ -51,9 +56,7 @@ int Reader::parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const cha
     ~Turn() { reader.end_parse(); }
     Reader& reader;
   };
-  // By its global name: that makes the references of this thread. A caller that clang has built may
-  // read one without asking whether it is made.
-  ::YY_ecprg = prg;
+  YY_ecprg = prg;
   YY_Symbols = symbols;
   ecexp = nullptr;
   ecprg_char = -2;

@@ -64,7 +64,8 @@ namespace tamsel {
 constexpr char busy_message[] = "the reader is busy";
 bool reader_is_busy();
 // Makes the reader of this thread, which otherwise is made at first use: where there is no memory
-// for it, the system ends the process.
+// for it, the system ends the process. A thread but the first calls it before anything that looks
+// at the variables below.
 void prepare_reader();
 
 int EcParseString(EcPrg* prg, SymbolTable* symbols, const char* text);
