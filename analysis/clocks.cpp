@@ -46,7 +46,7 @@ class ClockVisitor : public ExpVisitor {
     return "'" + std::string(prg_->symbols->name(clock)) + "'";
   }
   std::string called(const Exp* exp) const {
-    if (exp->nature == CALL_n) return quoted(exp->order);
+    if (exp->nature == CALL_n) return quoted(exp->order());
     if (exp->nature == IF_n) return "'if'";
     if (exp->nature == TUPLE_n) return "a tuple";
     return "'" + std::string(opkey(exp->nature)) + "'";
@@ -72,7 +72,7 @@ class ClockVisitor : public ExpVisitor {
     return refuse("operands of " + called(exp) + " run on " + quoted(a) + " and on " + quoted(b));
   }
   int sampled(const Exp* exp, size_t first) {
-    const Exp* clock = exp->args[1];
+    const Exp* clock = exp->args()[1];
     if (clock == nullptr || clock->nb_args > 0 || clock->ident == 0)
       return refuse("what follows 'when' is no name");
     if (clock->nature == CONST_n)

@@ -1,5 +1,6 @@
 #include "analysis/describe.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "analysis/equations.h"
@@ -26,9 +27,10 @@ std::vector<Parameter> results_of(const FuncInfo* function) {
   return listed(function->results, function->result_type);
 }
 
-int Description::index() const {
-  if (ident != nullptr && kind != NameKind::constant) return ident->order;
-  return function != nullptr && !function->tuple_result ? function->index : -1;
+int Description::index(EcPrg* prg) const {
+  const bool is_listed =
+      kind < NameKind::constant || (function != nullptr && !function->tuple_result);
+  return is_listed ? prg->place_of(prg->list_of(kind, symbol), symbol) : -1;
 }
 
 bool Description::has_equation() const { return right_side(ident) != nullptr; }
@@ -105,13 +107,17 @@ std::vector<int> constants_of(EcPrg* prg, const EcType* type) {
   std::vector<int> names;
   for (int rank = 0; rank < type->nb_enum; ++rank)
     if (type->enum_consts[rank] != nullptr) names.push_back(type->enum_consts[rank]->name);
+  // Each counts where it stands last, and some are of this type no more.
+  std::vector<int> listed;
+  for (const int symbol : values_of(type->constants)) listed.push_back(symbol);
   std::unordered_set<int> seen;
-  for (const int symbol : values_of(type->constants)) {
-    const IdentInfo* constant = prg->ident(symbol);  // may be another since
-    if (constant != nullptr && constant->mode == USR_CONST_mode && constant->type == type &&
-        seen.insert(symbol).second)
-      names.push_back(symbol);
-  }
+  const auto is_none = [&](int symbol) {
+    const IdentInfo* constant = prg->ident(symbol);
+    return constant == nullptr || constant->mode != USR_CONST_mode || constant->type != type ||
+           !seen.insert(symbol).second;
+  };
+  const auto last = std::remove_if(listed.rbegin(), listed.rend(), is_none);
+  names.insert(names.end(), last.base(), listed.end());
   return names;
 }
 
@@ -133,9 +139,9 @@ class TreeVisitor : public ExpVisitor {
 
   TreeNode node_of(const Exp* exp) const {
     if (exp->nature == CALL_n) {
-      const Exp* argument = exp->nb_args == 1 ? exp->args[0] : nullptr;
+      const Exp* argument = exp->nb_args == 1 ? exp->args()[0] : nullptr;
       const bool has_tuple = argument != nullptr && argument->nature == TUPLE_n;
-      return {"call", has_tuple ? argument->nb_args : exp->nb_args, name(exp->order)};
+      return {"call", has_tuple ? argument->nb_args : exp->nb_args, name(exp->order())};
     }
     if (exp->nb_args == 0 && exp->ident != 0)
       return {is_literal(prg_, exp) ? "constant" : "name", 0, name(exp->ident)};

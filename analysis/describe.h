@@ -34,7 +34,7 @@ struct Description {
   const EcType* type = nullptr;
 
   // The rank that the operations of program objects count; -1 where they do not.
-  int index() const;
+  int index(EcPrg* prg) const;
   bool has_equation() const;
   // All names on the left of its equation; none without one.
   std::vector<int> defined_with() const;

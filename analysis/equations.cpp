@@ -7,7 +7,7 @@ namespace tamsel {
 Exp* right_side(const IdentInfo* ident) {
   if (ident == nullptr || ident->definition == nullptr) return nullptr;
   if (ident->mode != OUTPUT_mode && ident->mode != LOCAL_mode) return nullptr;
-  return ident->tuple_names != nullptr ? ident->definition->args[0] : ident->definition;
+  return ident->tuple_names != nullptr ? ident->definition->args()[0] : ident->definition;
 }
 
 std::vector<int> Equation::names() const {

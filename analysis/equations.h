@@ -56,7 +56,7 @@ void each_mention(Exp* e, Take take) {
 
     bool enter(Exp* exp, Exp*, int) {
       if (exp->nature == PRE_n) ++pres;
-      if (exp->nature == CALL_n) take_(Mention{exp->order, true, pres == 0}, exp);
+      if (exp->nature == CALL_n) take_(Mention{exp->order(), true, pres == 0}, exp);
       if (exp->nb_args == 0 && exp->ident != 0) take_(Mention{exp->ident, false, pres == 0}, exp);
       return true;
     }

@@ -185,7 +185,7 @@ void JsonWriter::put_name(int symbol, NameKind kind) {
     put_member("type", prg_->type_name(ident->type, ""));
     put_member("clock", prg_->symbols->name(ident->clock));
   }
-  put_member("index", described.index());
+  put_member("index", described.index(prg_));
   put_equation(described);
   put_member("line", described.line());
   put_member("equation-line", described.equation_line());

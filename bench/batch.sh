@@ -2,7 +2,7 @@
 # bench/batch.sh [FILES]: measures tamsel-batch on a tree of that many programs (10000 unless given), some
 # of them corrupted, against a plain loop in one tclsh.
 #
-# Also looks that a run whose workers are killed, one that is stopped and one on two hosts, which are this
+# Also looks that a run whose readers are killed, one that is stopped and one on two hosts, which are this
 # machine, leave what the loop leaves; the exit status is 1 where one does not. The first three rows are
 # medians of five rounds, in each of which they take turns. TMPDIR=/dev/shm keeps the disk out of it.
 set -euo pipefail
@@ -13,7 +13,7 @@ scripts/setup.sh build ci
 scripts/build.sh release
 with_hosts=$PWD/tests/batch/with-hosts.sh
 tree=$PWD/build/release/tests/tree
-export PATH=$PWD/examples/batch:$PATH TCLLIBPATH="{$PWD/build/release}" TAMSEL_TK=0
+export PATH=$PWD/apps/batch:$PATH TCLLIBPATH="{$PWD/build/release}" TAMSEL_TK=0
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -31,20 +31,19 @@ foreach file [split [exec find tree -name *.ec] \n] {
 EOF
 loop() { rm -rf loop && tclsh8.6 loop.tcl 2>messages | sort >refused; }
 
-batch() { tamsel-batch --no-progress --json json --output batch "$@" tree >problems 2>said || (($? == 1)); }
+batch() { tamsel-batch --no-progress --jsonl json --output batch "$@" tree >problems 2>said || (($? == 1)); }
 
-on_hosts() { "$with_hosts" bash -c 'tamsel-batch --json json --output batch --sshloginfile "$TAMSEL_HOSTS" tree' \
+on_hosts() { "$with_hosts" bash -c 'tamsel-batch --jsonl json --output batch --sshloginfile "$TAMSEL_HOSTS" tree' \
   >problems 2>said || (($? == 1)); }
 
-# Kills a worker every half a second.
+# Kills a reader every half a second.
 killed() {
   batch &
-  local run=$! starts worker
+  local run=$! reader
   kills=0
   while sleep 0.5 && kill -0 "$run" 2>/dev/null; do
-    starts=$(ls -t batch/.tamsel-batch/starts/* 2>/dev/null | head -n 1) || continue
-    worker=$(tr '\0' '\n' <"$starts" | tail -n 1 | cut -d ' ' -f 3)
-    if grep -qs worker.tcl "/proc/$worker/cmdline" && kill -9 "$worker"; then ((++kills)); fi
+    reader=$(ps -eo pid,args | awk -v state="reader.tcl $PWD/batch/" 'index($0, state) && !/awk/ { print $1; exit }')
+    if [[ $reader ]] && kill -9 "$reader"; then ((++kills)); fi
   done
   wait "$run"
 }
@@ -55,7 +54,7 @@ stopped() {
   stops=-1
   while ((status == 143)); do
     stops=$((stops + 1))
-    tamsel-batch --resume --json json --output batch tree >problems 2>said &
+    tamsel-batch --resume --jsonl json --output batch tree >problems 2>said &
     run=$!
     (sleep 1 && kill "$run" 2>/dev/null) &
     status=0
@@ -101,7 +100,7 @@ echo "$files programs, $(wc -l <corrupted) corrupted; $(nproc) cores"
 row loop "a plain loop in one tclsh"
 row one "tamsel-batch --jobs 1"
 row batch "tamsel-batch"
-row killed "the same, $kills workers killed"
+row killed "the same, $kills readers killed"
 row stopped "the same, stopped $stops times"
 row hosts "the same, on two hosts"
 [[ -z $differences ]]

@@ -1,16 +1,17 @@
 // What the C++ layers cost on one program, beside the limits that the machine sets on the same
 // bytes.
 //   bench_core FILE.ec [benchmark options]   the costs of all operations, by Google Benchmark
-//   bench_core FILE.ec --once                one load in this fresh process: time and memory
+//   bench_core FILE.ec --once                one load and one dump in this fresh process: time and
+//                                            memory
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <memory>
@@ -353,23 +354,32 @@ size_t allocated_bytes() {
   return info.uordblks + info.hblkhd;
 }
 
-size_t resident_bytes() {
-  size_t total = 0, resident = 0;
-  FILE* file = std::fopen("/proc/self/statm", "r");
-  if (file == nullptr || std::fscanf(file, "%zu %zu", &total, &resident) != 2) std::abort();
+// A line of /proc/self/status, which counts kilobytes.
+size_t status_bytes(const char* what) {
+  FILE* file = std::fopen("/proc/self/status", "r");
+  if (file == nullptr) std::abort();
+  char line[256];
+  size_t kilobytes = 0;
+  while (std::fgets(line, sizeof line, file) != nullptr)
+    if (std::strncmp(line, what, std::strlen(what)) == 0)
+      kilobytes = std::strtoul(line + std::strlen(what), nullptr, 10);
   std::fclose(file);
-  return resident * static_cast<size_t>(sysconf(_SC_PAGESIZE));
+  return 1024 * kilobytes;
 }
 
 void load_once() {
   const size_t allocated = allocated_bytes();
-  const size_t resident = resident_bytes();
+  const size_t resident = status_bytes("VmRSS:");
   const double start = processor_time();
-  const auto loaded = std::make_unique<Loaded>();
+  shared = std::make_unique<Loaded>();
   std::printf("once,%.1f\n", processor_time() - start);
-  std::printf("nodes,%zu\n", loaded->program.exp_heap.size());
+  std::printf("nodes,%zu\n", shared->program.exp_heap.size());
   std::printf("allocated,%zu\n", allocated_bytes() - allocated);
-  std::printf("resident,%zu\n", resident_bytes() - resident);
+  std::printf("resident,%zu\n", status_bytes("VmRSS:") - resident);
+  std::printf("peak,%zu\n", status_bytes("VmHWM:") - resident);
+  const double loaded = processor_time();
+  dump();
+  std::printf("dump_once,%.1f\n", processor_time() - loaded);
 }
 
 }  // namespace
@@ -383,6 +393,7 @@ int main(int argc, char* argv[]) {
   out_path = path + ".out";
   if (argc == 3 && std::strcmp(argv[2], "--once") == 0) {
     load_once();
+    std::remove(out_path.c_str());
     return 0;
   }
   for (const auto& cost : costs)

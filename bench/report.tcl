@@ -38,8 +38,19 @@ proc growth {values} {expr {[lindex $values end] / [lindex $values 0]}}
 set runs [lmap size $sizes {read_run $size}]
 foreach line [lines_of commands.csv] {
     lassign [split $line ";"] what size value
-    if {$what eq "profile"} {dict set profile $size $value} else {dict lappend commands $what $value}
+    switch $what {
+        profile {dict set profile $size $value}
+        edits {dict set edits $size $value}
+        default {dict lappend commands $what $value}
+    }
 }
+# What each of many objects costs: bytes and, for all, milliseconds.
+set objects {}
+foreach line [lines_of objects.csv] {
+    lassign [split $line ,] what bytes time
+    dict set objects $what [dict create bytes $bytes time $time]
+}
+set bytes_an_edit 4.0  ;# at most, which is the noise of pages
 set collisions [expr {[dict get [read_run colliding] load] / [dict get [read_run ordinary] load]}]
 
 if {$check} {
@@ -58,12 +69,31 @@ if {$check} {
         dict get $profile $inputs
     }]]
     lappend rows "load, colliding / ordinary names" $collisions
+    lappend rows "load / tokens interned, names from anywhere" [growth [of_runs [lmap size $sizes {
+        read_run scattered-$size
+    }] {$load / $interned}]]
 
-    heading "the largest program against the smallest" [list [lindex $sizes end]/[lindex $sizes 0]]
     set status 0
+    heading "bytes that an equation takes with each edit" value
+    dict for {what bytes} $edits {
+        row $what $bytes_an_edit %.1f $bytes
+        if {$bytes > $bytes_an_edit} {set status 1}
+    }
+    heading "the largest program against the smallest" [list [lindex $sizes end]/[lindex $sizes 0]]
     foreach {what factor} $rows {
         row $what 3.0 %.2f $factor
         if {$factor > 3.0} {set status 1}
+    }
+    heading memory bytes
+    set largest [lindex $runs end]
+    foreach {what goal shape value} [list \
+        "after load, resident, a node"          75    %.0f [dict get $largest resident]/[dict get $largest nodes] \
+        "peak of a load / after it"             1.1   %.2f [dict get $largest peak]/[dict get $largest resident] \
+        "an empty object"                       6144  %.0f [dict get $objects empty bytes] \
+        "one with a declaration and a handle"   12288 %.0f [dict get $objects used bytes]] {
+        set value [expr $value]
+        row $what $goal $shape $value
+        if {$value > $goal} {set status 1}
     }
     exit $status
 }
@@ -72,15 +102,18 @@ if {$check} {
 proc table {title columns runs {sizes ""}} {
     heading $title $columns
     foreach {what goal from shape expression} {
-        "load / tokens interned"           3.0  10000  %.2f {$load / $interned}
+        "load / tokens interned"           2.0  10000  %.2f {$load / $interned}
         "load / tokens"                    -    0      %.2f {$load / $tokens}
         "load / every byte read"           -    0      %.0f {$load / $bytes}
         "load, ns a node"                  -    0      %.0f {1000 * $load / $nodes}
-        "type, ns a node"                  100  0      %.0f {1000 * $type / $nodes}
-        "dump / its pieces in blocks"      1.5  0      %.2f {$dump / $pieces}
+        "load once / by flex and Bison"    0.33 100000 %.2f {$once / $plain_load}
+        "type, ns a node"                  30   0      %.0f {1000 * $type / $nodes}
+        "dump / its pieces in blocks"      1.2  0      %.2f {$dump / $pieces}
+        "dump once / by stdio"             0.5  100000 %.2f {$dump_once / $plain_dump}
         "free / load"                      0.10 0      %.3f {$free / $load}
         "memory allocated, bytes a node"   -    0      %.0f {$allocated / $nodes}
-        "memory resident, bytes a node"    150  100000 %.0f {$resident / $nodes}
+        "memory resident, bytes a node"    75   100000 %.0f {$resident / $nodes}
+        "peak of a load / memory after it" 1.1  100000 %.2f {$peak / $resident}
     } {
         row $what $goal $shape [of_runs $runs $expression] $from $sizes
     }
@@ -89,7 +122,7 @@ proc table {title columns runs {sizes ""}} {
 table equations $sizes $runs $sizes
 set base [lindex $sizes [expr {max(0, [lsearch $sizes 10000])}]]
 foreach {what goal measured} {
-    "load in a fresh process, an equation"  1.3 once
+    "load in a fresh process, an equation"  1.15 once
     "load, an equation"                     -   load
     "type, an equation"                     -   type
     "dump, an equation"                     -   dump
@@ -104,7 +137,7 @@ foreach {what goal measured} {
 dict for {what values} $commands {
     row $what [switch -glob $what {
         check* {string cat 0.5} names* {string cat 4.0} definition* {string cat 1.0} JSON* {string cat 2.0}
-        users* {string cat 2.0} *minimal* {string cat 1.15} exp,* {string cat 1.3} default {string cat -}
+        users* {string cat 2.0} building* {string cat 1.0} *minimal* {string cat 1.15} exp,* {string cat 1.3} default {string cat -}
     }] \
         %.2f $values
 }
@@ -112,5 +145,11 @@ dict for {what values} $commands {
 set shapes {small large long-names scattered ordinary colliding chain}
 table "shapes: expressions, names, a chain" $shapes [lmap shape $shapes {read_run $shape}]
 row "load, colliding / ordinary names" 1.5 %.2f $collisions
+heading "many objects" {bytes "ms for all"}
+foreach {what goal} {empty 6144 used 12288 loaded - deleted -} {
+    row $what $goal %.0f [dict values [dict get $objects $what]]
+}
 heading "profile of so many inputs" [set wide [lsort -integer [dict keys $profile]]]
 row "ns a character" - %.1f [lmap inputs $wide {expr {1000 * [dict get $profile $inputs]}}]
+heading "bytes that an equation takes with each edit" [dict keys $edits]
+row "resident" $bytes_an_edit %.1f [dict values $edits]

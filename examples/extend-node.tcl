@@ -1,9 +1,23 @@
 # extend-node.tcl [FILE.ec]: loads a program and extends it.
 #
-# Adds an input `force` and, for each boolean output, a local that says what the output would be under it.
-# Without a file it takes watchdog.ec; what it prints then is in expected/extend-node.out.
+# Adds an input `force` and, for each boolean output on the base clock, another one that is true under it too. Without
+# a file it takes watchdog.ec; what it prints then is in expected/extend-node.out.
 
 package require Tamsel
+
+proc extend {} {
+    puts "before: [node profile]"
+    tamsel declare node input bool force
+    foreach output [tamsel names node -kind output -type bool] {
+        set about [tamsel describe node $output]
+        if {[dict get $about clock] ne "true"} continue
+        set forced [tamsel declare node output bool ${output}_forced]
+        tamsel define node $forced "force or $output"
+        puts "$forced = [tamsel definition node $forced]"
+    }
+    puts "after: [node profile]"
+    puts "findings: [llength [tamsel check node]]"
+}
 
 set file [lindex $argv 0]
 if {$file eq ""} {
@@ -11,27 +25,18 @@ if {$file eq ""} {
 }
 
 ecprg node
-if {[catch {node load $file} message]} {
-    puts stderr [lindex [split $message \n] end]
-    if {[lrange $::errorCode 0 1] eq "TAMSEL SYNTAX"} {
-        lassign $::errorCode - - line why
-        puts stderr "$file:$line: $why"
-    }
+try {
+    node load $file
+    extend
+    flush stdout
+} trap {TAMSEL SYNTAX} {- options} {
+    lassign [dict get $options -errorcode] - - line why
+    puts stderr "$file:$line: $why"
     exit 1
+} trap TAMSEL text {
+    puts stderr [lindex [split $text \n] end]
+    exit 1
+} trap {POSIX EPIPE} {} {
+    # Whoever reads has seen enough.
 }
-puts "before: [node profile]"
-
-node add-in bool force
-for {set i 0} {$i < [node nb-outs]} {incr i} {
-    set output [node out-name $i]
-    if {[node out-type $i] ne "bool"} continue
-    set forced [node add-loc bool ${output}_forced]
-    set handle [node eq $forced "force or $output"]
-    puts "$forced: a [node exp-type $handle]"
-}
-
-puts "after: [node profile]"
-set locals {}
-for {set i 0} {$i < [node nb-locs]} {incr i} {lappend locals [node loc-name $i]}
-puts "locals: $locals"
 exit

@@ -10,7 +10,7 @@
 namespace tamsel {
 
 // Blocks double, so that a small program takes little, and a large one few blocks.
-static const size_t SmallestBlock = 2000;
+static const size_t SmallestBlock = 240;
 static const size_t LargestBlock = 256 * 1024;
 
 // Has the pages of a block made together, where the system can: faults for one page each take 5 %
@@ -24,13 +24,16 @@ static void make_pages(char* start, size_t size) {
 #endif
 }
 
-void Arena::add_block(size_t size) {
+size_t Arena::usual_size() const {
+  return newest_ == nullptr ? SmallestBlock : std::min(2 * newest_->size, LargestBlock);
+}
+
+void Arena::add_block(size_t size, size_t usual) {
   if (size > static_cast<size_t>(-1) / 2) throw std::bad_alloc();
-  const size_t usual =
-      newest_ == nullptr ? SmallestBlock : std::min(2 * newest_->size, LargestBlock);
   const size_t room = std::max(usual, size);
   Block* block = static_cast<Block*>(::operator new(sizeof(Block) + room));
   if (room == LargestBlock) make_pages(reinterpret_cast<char*>(block), room);
+  if (newest_ != nullptr) newest_->used = used_;
   block->before = newest_;
   block->size = room;
   newest_ = block;

@@ -17,6 +17,8 @@ class Arena {
   };
 
   Arena() = default;
+  // With room for `size` bytes, to begin with.
+  explicit Arena(size_t size) { add_block(size, size); }
   ~Arena() { cut_back({nullptr, 0}); }
   Arena(const Arena&) = delete;
   Arena& operator=(const Arena&) = delete;
@@ -24,13 +26,26 @@ class Arena {
   // Memory for `size` bytes, aligned to 8. Throws bad_alloc with nothing changed.
   void* allocate(size_t size) {
     const size_t rounded = size + (8 - size % 8) % 8;
-    if (newest_ == nullptr || newest_->size - used_ < rounded) add_block(rounded);
+    if (newest_ == nullptr || newest_->size - used_ < rounded) add_block(rounded, usual_size());
     void* place = newest_->bytes() + used_;
     used_ += rounded;
     return place;
   }
 
   Mark mark() const { return {newest_, used_}; }
+  // Calls `visit` with the start and the end of each stretch of memory that was handed out without
+  // a gap since `mark`, the newest first. Sizes were rounded up to 8.
+  template <class Visit>
+  void each_piece(const Mark& mark, Visit visit) {
+    size_t used = used_;
+    for (Block* block = newest_; block != nullptr; block = block->before) {
+      const bool is_last = block == mark.block;
+      const size_t start = is_last ? mark.used : 0;
+      if (start != used) visit(block->bytes() + start, block->bytes() + used);
+      if (is_last) return;
+      if (block->before != nullptr) used = block->before->used;
+    }
+  }
   // Takes back everything that was handed out since `mark`.
   void cut_back(const Mark& mark);
 
@@ -38,10 +53,13 @@ class Arena {
   struct alignas(8) Block {
     Block* before;
     size_t size;  // of bytes()
+    size_t used;  // of these, once there is a newer block
     char* bytes() { return reinterpret_cast<char*>(this + 1); }
   };
 
-  void add_block(size_t size);
+  // A block for `size` bytes, or for `usual` where that is more.
+  void add_block(size_t size, size_t usual);
+  size_t usual_size() const;
 
   Block* newest_ = nullptr;
   size_t used_ = 0;  // bytes of the newest block

@@ -1,10 +1,12 @@
-// foundation/chunks.h: arrays that grow by chunks of one size and never move an item.
+// foundation/chunks.h: arrays that grow by chunks of one size.
 //
 // An array is its first chunk; the chunks after it are owned by it. Items that pointers lead to
-// are not owned. Any index from 0 is valid: reading past the end adds chunks of null items.
+// are not owned. Any index from 0 is valid: reading past the end adds chunks of null items. The
+// first chunk takes memory as it fills, and moves its items then.
 #ifndef FOUNDATION_CHUNKS_H
 #define FOUNDATION_CHUNKS_H
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -14,7 +16,9 @@ template <class Item>
 class ChunkArray {
  public:
   // A chunk of `size` (from 1) null items, the first of which has the global index `first`.
-  explicit ChunkArray(int size, int first = 0) : items(new Item[size]()), size_(size), base(first) {
+  explicit ChunkArray(int size, int first = 0)
+      : size_(size), base(first), room_(first == 0 ? std::min(size, 16) : size) {
+    items = new Item[room_]();
     while (size > 1ll << (shift_ - 31)) ++shift_;
     reciprocal_ = (uint64_t{1} << shift_) / static_cast<uint64_t>(size) + 1;
   }
@@ -35,11 +39,17 @@ class ChunkArray {
   Item& operator[](int i) {
     // i / size_, by a multiplication that is exact for all ints and takes a third of the time.
     const uint64_t rank = (static_cast<uint64_t>(i) * reciprocal_) >> shift_;
-    if (rank >= directory_.size()) extend(rank);
-    const Entry& entry = directory_[rank];
     const int place = i - static_cast<int>(rank) * size_;
-    if (place > entry.chunk->last_used) entry.chunk->last_used = place;
-    return entry.items[place];
+    if (rank >= directory_.size() || place > directory_[rank].last_used) reach(rank, place);
+    return directory_[rank].items[place];
+  }
+
+  // The place of the item at `i`; null where it lies after all that were used. Adds nothing.
+  const Item* find(int i) const {
+    const uint64_t rank = (static_cast<uint64_t>(i) * reciprocal_) >> shift_;
+    const int place = i - static_cast<int>(rank) * size_;
+    if (rank >= directory_.size() || place > directory_[rank].last_used) return nullptr;
+    return &directory_[rank].items[place];
   }
 
   // One more than the highest index used, counted from this chunk.
@@ -53,34 +63,51 @@ class ChunkArray {
     return before + chunk->last_used + 1;
   }
 
-  Item* items;                 // `size_` of them
+  Item* items;                 // `size_` of them, of the first chunk as many as were needed
   int size_;                   // of this chunk
   ChunkArray* next = nullptr;  // owned
   int last_used = -1;          // highest index of this chunk that was read or written
   int base;                    // global index of items[0]
 
  private:
-  // Covers the chunk `rank`, from 0. Out of the way of those calls that need it not.
-  [[gnu::noinline]] void extend(uint64_t rank) {
-    while (directory_.size() <= rank) {
-      ChunkArray* last = directory_.empty() ? nullptr : directory_.back().chunk;
-      if (last != nullptr && last->next == nullptr) last->grow();
-      ChunkArray* chunk = last != nullptr ? last->next : this;
-      directory_.push_back({chunk, chunk->items});
-    }
-  }
-  void grow() {
-    next = new ChunkArray(size_, base + size_);
-    last_used = size_ - 1;
-  }
-
+  // What is asked of a chunk at each access, side by side with that of the others.
   struct Entry {
     ChunkArray* chunk;
-    Item* items;  // of the chunk
+    Item* items;
+    int last_used;
   };
+
+  // Has the chunk `rank`, from 0, cover `place`. Out of the way of those calls that need it not.
+  [[gnu::noinline]] void reach(uint64_t rank, int place) {
+    if (directory_.empty()) directory_.push_back({this, items, last_used});
+    while (directory_.size() <= rank) {
+      Entry& last = directory_.back();
+      last.chunk->make_room(size_);
+      if (last.chunk->next == nullptr)
+        last.chunk->next = new ChunkArray(size_, last.chunk->base + size_);
+      last = {last.chunk, last.chunk->items, last.chunk->last_used = size_ - 1};
+      ChunkArray* chunk = last.chunk->next;
+      directory_.push_back({chunk, chunk->items, chunk->last_used});
+    }
+    ChunkArray* chunk = directory_[rank].chunk;
+    chunk->make_room(place + 1);
+    chunk->last_used = std::max(chunk->last_used, place);
+    directory_[rank] = {chunk, chunk->items, chunk->last_used};
+  }
+  // Makes room for `count` items in this chunk.
+  void make_room(int count) {
+    if (count <= room_) return;
+    const int room = std::min(std::max(count, 2 * room_), size_);
+    Item* larger = new Item[room]();
+    std::copy_n(items, room_, larger);
+    delete[] items;
+    items = larger;
+    room_ = room;
+  }
 
   uint64_t reciprocal_;  // of size_, times 2 to the power of shift_
   int shift_ = 31;
+  int room_;                      // items that there is memory for
   std::vector<Entry> directory_;  // the chunks from this one, as far as they were asked for
 };
 

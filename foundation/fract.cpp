@@ -82,6 +82,8 @@ long long ppcm(long long a, long long b) {
   return with_sign((a < 0) != (b < 0), magnitude(a) * (magnitude(b) / divisor));
 }
 
+namespace {
+
 // What the digits of a text say: mantissa * 10^exponent.
 struct Decimal {
   bool is_negative = false;
@@ -90,6 +92,8 @@ struct Decimal {
 
   void take_digit(unsigned char c) { mantissa = mantissa * 10 + c - '0'; }
 };
+
+}  // namespace
 
 // The number that an exponent's digits at `text` give. Stops growing far beyond every exponent that
 // can be held, and far below what could overflow.

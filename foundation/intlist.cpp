@@ -125,13 +125,85 @@ int IntIterator::operator()() {
   return cursor->value;
 }
 
-bool IntListIndex::walk_to(const IntList* list, int i) {
-  if (i < 0) return false;
-  while (values_.size() <= static_cast<size_t>(i)) {
-    const IntList* cell = walked_to_ != nullptr ? walked_to_->next : list;
-    if (cell == nullptr) return false;
-    values_.push_back(cell->value);
-    walked_to_ = cell;
+template <class Item>
+static void make_room_for_one(std::vector<Item>* items) {
+  if (items->size() == items->capacity()) items->reserve(2 * items->size() + 16);
+}
+
+static size_t lowest_bit(size_t i) { return i & (~i + 1); }
+
+int IntListIndex::gone_before(size_t slot) const {
+  if (gone_ == 0) return 0;
+  int count = 0;
+  for (; slot > 0; slot -= lowest_bit(slot)) count += gone_in_[slot - 1];
+  return count;
+}
+
+bool IntListIndex::walk_on(IntList* list) {
+  IntList* cell = walked_to_ != nullptr ? walked_to_->next : list;
+  if (cell == nullptr) return false;
+  make_room_for_one(&values_);
+  if (can_remove_) {
+    make_room_for_one(&cells_);
+    make_room_for_one(&gone_in_);
+    const size_t last = cells_.size() + 1;
+    cells_.push_back(cell);
+    gone_in_.push_back(gone_before(last - 1) - gone_before(last - lowest_bit(last)));
   }
+  values_.push_back(cell->value);
+  walked_to_ = cell;
   return true;
+}
+
+// The slot of the element before which `rank` others stand: goes down the tree.
+size_t IntListIndex::slot_of(int rank) const {
+  size_t step = 1;
+  while (2 * step <= gone_in_.size()) step *= 2;
+  size_t slot = 0;
+  for (size_t left = static_cast<size_t>(rank); step > 0; step /= 2) {
+    if (slot + step > gone_in_.size()) continue;
+    const size_t there = step - static_cast<size_t>(gone_in_[slot + step - 1]);
+    if (there > left) continue;
+    slot += step;
+    left -= there;
+  }
+  return slot;
+}
+
+int IntListIndex::extract_slowly(IntList* list, int i, int* out) {
+  if (i < 0) return 1;
+  while (values_.size() - static_cast<size_t>(gone_) <= static_cast<size_t>(i))
+    if (!walk_on(list)) return 1;
+  *out = values_[gone_ == 0 ? static_cast<size_t>(i) : slot_of(i)];
+  return 0;
+}
+
+void IntListIndex::prepare_removal(IntList* list) {
+  if (!can_remove_) {
+    *this = IntListIndex();
+    can_remove_ = true;
+  }
+  while (walk_on(list)) {
+  }
+}
+
+void IntListIndex::remove(IntList*& list, int slot) noexcept {
+  const size_t place = static_cast<size_t>(slot);
+  const int before = rank(slot);
+  IntList* const cell = cells_[place];
+  IntList* const previous =
+      before > 0 ? cells_[gone_ == 0 ? place - 1 : slot_of(before - 1)] : nullptr;
+  if (previous != nullptr)
+    previous->next = cell->next;
+  else
+    list = cell->next;
+  if (walked_to_ == cell) walked_to_ = previous;
+  cell->next = nullptr;
+  delete cell;
+  for (size_t i = place + 1; i <= gone_in_.size(); i += lowest_bit(i)) ++gone_in_[i - 1];
+  ++gone_;
+  // Hints of other cells may lead to the one that is gone: from now on nobody follows them.
+  if (list == nullptr) return;
+  walked_to_->last_ = walked_to_;
+  list->last_ = walked_to_;
 }

@@ -97,25 +97,53 @@ class IntListRange {
 };
 inline IntListRange values_of(const IntList* list) { return IntListRange(list); }
 
-// The elements by position of a list that changes in no way but growing at its end. Borrows the
-// list.
+// The elements by position of a list that grows at its end and loses any of its elements, in no
+// other way than by `remove`. Borrows the list. Each element has a slot: how many were appended
+// before it, with those that are gone.
 class IntListIndex {
  public:
   // The same as extract of `list`, which is the same list each time, in constant time: a cell is
-  // walked over once, however often elements are asked for.
-  int extract(const IntList* list, int i, int* out) {
+  // walked over once, however often elements are asked for. Logarithmic where elements are gone.
+  int extract(IntList* list, int i, int* out) {
     const size_t place = static_cast<size_t>(i);  // a negative one is after all elements
-    if (place >= values_.size() && !walk_to(list, i)) return 1;
-    *out = values_[place];
-    return 0;
+    if (gone_ == 0 && place < values_.size()) {
+      *out = values_[place];
+      return 0;
+    }
+    return extract_slowly(list, i, out);
+  }
+
+  // How many elements stand before the one of `slot`.
+  int rank(int slot) const { return slot - gone_before(static_cast<size_t>(slot)); }
+  // How many elements are gone.
+  int gone() const { return gone_; }
+  // Whether `prepare_removal` was ever called.
+  bool can_remove() const { return can_remove_; }
+  // After this, and until the list grows, elements can be removed.
+  void prepare_removal(IntList* list);
+  // Takes the element of `slot` out of `list` and deletes its cell.
+  void remove(IntList*& list, int slot) noexcept;
+  // Whether it is time to forget those that are gone: to begin again with a fresh index, in which
+  // the slots are the positions. That costs no more than the removals before it.
+  bool is_mostly_gaps() const {
+    return gone_ > 64 && 2 * static_cast<size_t>(gone_) > values_.size();
   }
 
  private:
-  // Walks on until element `i` is among the values. False where there is none.
-  bool walk_to(const IntList* list, int i);
+  int extract_slowly(IntList* list, int i, int* out);
+  // Walks over one cell more; false at the end of the list.
+  bool walk_on(IntList* list);
+  size_t slot_of(int rank) const;
+  int gone_before(size_t slot) const;
 
-  std::vector<int> values_;             // of the cells walked over
-  const IntList* walked_to_ = nullptr;  // the last of them
+  std::vector<int> values_;       // by slot, of the cells walked over
+  IntList* walked_to_ = nullptr;  // the last of them that is there
+  int gone_ = 0;
+  // From the first preparation on: the cells, and a Fenwick tree of how many are gone.
+  bool can_remove_ = false;
+  std::vector<IntList*> cells_;
+  std::vector<int>
+      gone_in_;  // item i: of the slots before i + 1, as many as the lowest bit of i + 1
 };
 
 }  // namespace tamsel

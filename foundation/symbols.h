@@ -1,31 +1,37 @@
 // foundation/symbols.h: names, interned once and from then on handled as numbers.
 //
-// A symbol number counts from 1 in order of first insertion; 0 means "none". Numbers and texts stay
-// valid until the table is deleted, or cut back to before them. A name is given as a printf format
-// with its arguments, and is the formatted text; a text that comes from a user or a file is an
-// argument of
-// "%s" or goes through add_text and find_text, which read no format. Names of any length work.
-// Throws bad_alloc at most.
+// A symbol number counts from 1 in order of first insertion; 0 means "none". Numbers stay valid
+// until the table is deleted, or cut back to before them, and texts until then or until their
+// symbol gets another one. A name is given as a printf format with its arguments, and is the
+// formatted text; a text that comes from a user or a file is an argument of "%s" or goes through
+// add_text and find_text, which read no format. Names of any length work. Throws bad_alloc at most.
 #ifndef FOUNDATION_SYMBOLS_H
 #define FOUNDATION_SYMBOLS_H
 
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
+#include <deque>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "foundation/chunks.h"
 #include "foundation/text.h"
 #include "foundation/textindex.h"
 
-// One page of string storage. A string that no ordinary page can hold gets a longer page of its
-// own.
+// One page of string storage. The first are short, so that a small table takes little, and each
+// twice as long as the one before until they are of the ordinary length. A string that no ordinary
+// page can hold gets a longer page of its own.
 struct STapePage {
-  static constexpr size_t room = 16380;  // bytes of `chars` that are counted
+  static constexpr size_t room = 16380;  // bytes of an ordinary page
 
   STapePage* next;  // the page filled before this one
-  char chars[16384];
+  // The characters stand behind.
+  char* chars() { return reinterpret_cast<char*>(this + 1); }
 };
 
+// A string in its bucket.
 struct STapeHashItem {
   char* str;            // in a page, which owns the characters
   int number;           // from 1, in order of insertion
@@ -33,8 +39,12 @@ struct STapeHashItem {
   STapeHashItem* next;  // of the same bucket; owned by the tape
 };
 
-// Stores the characters of every distinct string in pages. The buckets are fixed in number and say
-// how names collide; names are found through an index beside them, which grows.
+// Texts by number: entry i belongs to symbol i + 1. The texts live in the tape.
+using StringArray = tamsel::ChunkArray<char*>;
+
+// Stores the characters of every distinct string in pages, and numbers the strings. They are found
+// through an index. The buckets, which are fixed in number, say how names collide: a statistic that
+// steers nothing, and is made when it is asked for.
 class StringTape {
  public:
   StringTape() = default;
@@ -43,42 +53,70 @@ class StringTape {
   StringTape& operator=(const StringTape&) = delete;
 
   // Prepares a fresh tape with `size` (from 1) buckets. To be called once, before anything else.
-  void init(int size);
+  void init(int size) { hash_size = size; }
   // The bucket of `s`, from 0.
   int hash_code(const char* s) const;
-  // The item of `s`, inserted if it is new. Never null; borrowed from the tape.
+  // The item of `s`, inserted if it is new. Never null. Items are made when they are asked for, and
+  // are good until a string is forgotten or gets another text.
   STapeHashItem* internal_add(const char* s);
   // The item of `s`, or null. A search in vain counts in the statistic.
   STapeHashItem* internal_find(const char* s);
-  // The number of `s`, or 0. Counts nothing.
-  int known(const char* s) { return find(s, index_.key(s, std::strlen(s))); }
-  // Forgets the last string, `s`.
-  void forget_last(const char* s);
+  // `hash_size` heads of chains, newest item first; as good as the items.
+  STapeHashItem** hash_table();
 
-  STapeHashItem** hash_table = nullptr;  // `hash_size` heads of chains, newest item first
+  // The same without items: the number of `s`, inserted if it is new; never 0.
+  int add(std::string_view s) { return add(s, key(s)); }
+  int add(std::string_view s, const tamsel::TextKey& key);
+  // The number of `s`, or 0. A search in vain counts in the statistic.
+  int find(const char* s);
+  // The number of `s`, or 0. Counts nothing.
+  int known(std::string_view s) { return known(s, key(s)); }
+  int known(std::string_view s, const tamsel::TextKey& key) {
+    return index_.find(s, key, [this](int number) { return texts[number - 1]; });
+  }
+  // The parts of these two: what a string is looked for by, and a step to have it fetched ahead.
+  tamsel::TextKey key(std::string_view s) const { return index_.key(s); }
+  void fetch(const tamsel::TextKey& key) const { index_.fetch(key); }
+  // Forgets the last string.
+  void forget_last();
+  // Exchange the texts of two numbers, and give one a text that has none. The statistic counts the
+  // texts that they had before.
+  void swap(int a, int b) noexcept;
+  void replace(int number, const char* s);
+
+  // Buckets that are not empty, and the statistic of collisions: one more than the longest walk
+  // through a bucket, in vain, that raised it. A string that was forgotten before one of them was
+  // asked for, or a search was in vain, counts in neither.
+  int occupied();
+  int coll_max();
+
   int hash_size = 0;
   int nb_strings = 0;  // also the number of the last string
-  int occupied = 0;    // buckets that are not empty
-  int coll_max = 0;    // a statistic of collisions, which steers nothing
   STapePage* current_page = nullptr;
-  int page_room = 0;            // bytes counted as free in the current page
+  int page_room = 0;            // bytes that are free in the current page
   char* page_cursor = nullptr;  // where the next string goes
+  StringArray texts{1000};      // by number
 
  private:
-  int find(const char* s, const tamsel::TextKey& key) {
-    return index_.find(s, key, [this](int number) { return item(number).str; });
-  }
-  STapeHashItem& item(int number) { return items_[number - 1]; }
-  // Notes in the statistic that a walk through `bucket` would have been in vain.
-  void note_vain_walk(int bucket);
-  char* store(const char* s, size_t size);
+  // All items, so far as they were asked for.
+  struct Buckets {
+    std::vector<STapeHashItem*> heads;
+    std::deque<STapeHashItem> items;  // by number
+  };
+  Buckets& buckets();
+  // Brings the statistic up to date.
+  void count_buckets();
+  // Notes in it that a walk through `walked` strings was in vain.
+  void note_vain_walk(int walked);
+  char* store(std::string_view s);
 
   tamsel::TextIndex index_;
-  tamsel::ChunkArray<STapeHashItem> items_{100};  // by number
+  size_t page_size_ = 0;                        // of the current page
+  std::unordered_map<int, int> bucket_counts_;  // strings by bucket, of those that are counted
+  int counted_ = 0;                             // how many strings these are, the first
+  int coll_max_ = 0;
+  std::unique_ptr<Buckets> buckets_;  // null where nobody asks
 };
-
-// Texts by number: entry i belongs to symbol i + 1. The texts live in the tape.
-using StringArray = tamsel::ChunkArray<char*>;
 
 class SymbolTable {
  public:
@@ -100,13 +138,24 @@ class SymbolTable {
   int find_then_get(int* number, const char* format, ...) PRINTF_LIKE(3, 4);
 
   // add and find for a text as it stands; no format is read.
-  int add_text(const char* text);
+  int add_text(std::string_view text) { return add_text(text, tape->key(text)); }
+  int add_text(std::string_view text, const tamsel::TextKey& key) {
+    const int number = tape->add(text, key);
+    nb_symbols = tape->nb_strings;
+    return number;
+  }
   int find_text(const char* text);
   // find_text for who only asks: counts nothing.
   int known(const char* text) { return tape->known(text); }
 
   // Forgets the newest names until `count` are left, for an operation that failed half-way.
   void cut_back(int count);
+
+  // Exchanges the texts of two symbols.
+  void swap_names(int a, int b) noexcept;
+  // Gives symbol `number` a text that is not in the table; the one that it had is so no more.
+  // Throws bad_alloc with nothing changed.
+  void replace_name(int number, const char* text);
 
   // The text of symbol `number`, borrowed from the table; "?" for a number that names nothing.
   const char* name(int number) const {
@@ -124,7 +173,7 @@ class SymbolTable {
   int iter_index = 0;
   StringTape* tape;       // owned
   int chunk_size = 1000;  // of `names`
-  StringArray* names;     // owned
+  StringArray* names;     // the tape's
 };
 
 #endif

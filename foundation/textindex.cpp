@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <ctime>
 
 namespace tamsel {
@@ -39,7 +40,9 @@ TextIndex::TextIndex() {
   std::copy(secrets.begin(), secrets.end(), secrets_);
 }
 
-TextKey TextIndex::key(const char* text, size_t length) const {
+TextKey TextIndex::key(std::string_view whole) const {
+  const char* text = whole.data();
+  size_t length = whole.size();
   const auto kept_length = static_cast<uint32_t>(length);
   if (length <= TextKey::short_length) return {short_word(text, length), kept_length};
   uint64_t hash = length;
@@ -49,7 +52,7 @@ TextKey TextIndex::key(const char* text, size_t length) const {
 
 void TextIndex::make_room() {
   if (3 * (taken_ + 1) <= 2 * slots_.size()) return;
-  std::vector<Slot> larger(slots_.empty() ? 64 : 2 * slots_.size());
+  std::vector<Slot> larger(slots_.empty() ? 16 : 2 * slots_.size());
   larger.swap(slots_);
   for (const Slot& slot : larger) {
     if (slot.number == 0) continue;

@@ -6,7 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <string_view>
 #include <vector>
 
 namespace tamsel {
@@ -26,15 +26,19 @@ class TextIndex {
   TextIndex();
 
   // The key of a text, the same in all indexes of the process.
-  TextKey key(const char* text, size_t length) const;
+  TextKey key(std::string_view text) const;
+  // Has the memory fetch what a search for a text with that key begins with.
+  void fetch(const TextKey& key) const {
+    if (!slots_.empty()) __builtin_prefetch(&slots_[place(key)]);
+  }
   // The number of `text`, which has that key, or 0.
   template <class TextOf>
-  int find(const char* text, const TextKey& key, TextOf text_of) const {
+  int find(std::string_view text, const TextKey& key, TextOf text_of) const {
     if (slots_.empty()) return 0;
     for (size_t i = place(key); slots_[i].number != 0; i = (i + 1) & mask()) {
       const Slot& slot = slots_[i];
       if (slot.word == key.word && slot.length == key.length &&
-          (key.length <= TextKey::short_length || std::strcmp(text_of(slot.number), text) == 0))
+          (key.length <= TextKey::short_length || text == text_of(slot.number)))
         return slot.number;
     }
     return 0;

@@ -7,6 +7,7 @@
 //   wait      lets timers fire
 //   ctrl-c    raises SIGINT
 //   gone      deletes the interpreter
+// In the end a copy of a program says of itself what the program says, whatever was done to it.
 // No word can name a file outside the scratch folder, which is the current folder: "/" and "\" are
 // blanked out.
 
@@ -14,9 +15,8 @@
 #undef Tcl_InitStubs
 
 #include <csignal>
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
-#include <vector>
 
 #include "foundation/errors.h"
 #include "fuzz/fuzz.h"
@@ -27,185 +27,120 @@ extern "C" const char* Tcl_InitStubs(Tcl_Interp* interp, const char* version, in
 
 namespace {
 
-constexpr int most_commands = 100;  // of one input, those of `run` included
-constexpr int most_waits = 2;
-
-const char sample[] =
-    "type color = (red, green); const k : int; function f (a : int) returns (r : int);"
-    "node n (a : int; (b : bool) when c; c : bool) returns (o : int);"
-    "var l : bool; let o = a -> pre o + 1; assert b; l = c; tel";
-
-// Leaves no command but those that cannot loop or reach out.
-void strip(Tcl_Interp* interp) {
-  Tcl_Eval(interp, "rename trace {tcl trace}; rename interp {tcl interp}; info commands");
-  int count;
-  const char** names;
-  require(Tcl_SplitList(nullptr, Tcl_GetStringResult(interp), &count, &names) == TCL_OK, "a list");
-  for (int i = 0; i < count; ++i) {
-    const std::string name = names[i];
-    if (name != "rename" && name != "catch" && name != "tcl trace" && name != "tcl interp")
-      Tcl_DeleteCommand(interp, names[i]);
-  }
-  Tcl_Free(reinterpret_cast<char*>(names));
-  for (const char* name : {"::tcl", "::oo"})
-    Tcl_DeleteNamespace(Tcl_FindNamespace(interp, name, nullptr, 0));
+// An interpreter of its own, which nothing of an input gets at, plays them all in `child`.
+const char player[] = R"tcl(
+proc play text {
+    foreach path [glob -nocomplain * .*] {if {$path ni {. ..}} {file delete -force $path}}
+    set file [open sample.ec w]
+    puts -nonewline $file {type color = (red, green); const k : int; function f (a : int) returns (r : int);
+        node n (a : int; (b : bool) when c; c : bool) returns (o : int);
+        var l : bool; let o = a -> pre o + 1; assert b; l = c; tel}
+    close $file
+    set ::lines [split $text \n]
+    set ::results {}
+    set ::commands 0  ;# of this input, those of `run` included
+    set ::waits 0
+    set ::open_traces 0
+    set ::has_traces 0
+    set ::channel [open sample.ec]
+    make_child
+    foreach line $::lines {
+        if {[catch {evaluate $line} result] > 1} {error "another code comes out of a command"}
+        lappend ::results $result
+    }
+    close $::channel
+    foreach object {p q} {judge $object}
+    catch {interp delete child}
+    raise
 }
 
-class Session {
- public:
-  explicit Session(const std::string& text) : interp_(Tcl_CreateInterp()) {
-    for (size_t start = 0; start <= text.size();) {
-      const size_t end = std::min(text.find('\n', start), text.size());
-      lines_.push_back(text.substr(start, end - start));
-      start = end + 1;
+# Leaves no command but those that cannot loop or reach out.
+proc make_child {} {
+    interp create -safe child
+    interp marktrusted child
+    interp share {} $::channel child
+    foreach name [child hidden] {child expose $name}
+    child eval {rename trace {tcl trace}; rename interp {tcl interp}}
+    set names [child eval {info commands}]
+    child eval {namespace delete ::tcl ::oo}  ;# with which some of them go
+    foreach name $names {
+        if {$name ni {rename catch {tcl trace} {tcl interp}}} {catch {child eval [list rename $name {}]}}
     }
-    Tcl_Preserve(interp_);
-    Tcl_InitStubs(interp_, REQUIRED_TCL, 0);
-    channel_ = Tcl_OpenFileChannel(interp_, "sample.ec", "r", 0);
-    Tcl_RegisterChannel(interp_, channel_);
-    channel_name_ = Tcl_GetChannelName(channel_);
-    strip(interp_);
-    const struct {
-      const char* name;
-      Tcl_ObjCmdProc* procedure;
-    } own[] = {{"run", run},     {"wait", wait},     {"ctrl-c", ctrl_c}, {"gone", gone},
-               {"trace", trace}, {"traced", traced}, {"interp", hiding}};
-    for (const auto& command : own)
-      Tcl_CreateObjCommand(interp_, command.name, command.procedure, this, nullptr);
-    TimeHandler_Init(interp_);
-    run_dorvik_Init(interp_);
-  }
-  ~Session() {
-    delete_interp();
-    Tcl_Release(interp_);
-    std::raise(SIGINT);
-    // These live until the process ends, which for a million sessions is too long.
-    Dorvik* done = last_dorvik;
-    last_dorvik = done->previous;
-    Tcl_DecrRefCount(done->sigint_script);
-    delete done;
-    set_verbose_mode(0);
-  }
-  Session(const Session&) = delete;
-  Session& operator=(const Session&) = delete;
+    foreach {name command} {run run wait wait ctrl-c interrupt gone gone trace trace_it traced traced interp hide_it} {
+        child alias $name $command
+    }
+    serve
+}
+proc evaluate line {
+    if {[incr ::commands] > 100 || ![interp exists child] || [catch {llength $line}]} return
+    child eval [lmap word $line {
+        if {$word eq {$c}} {
+            set ::channel
+        } elseif {[regexp {^\$(\d{1,4})} $word - number]} {
+            lindex $::results [scan $number %d]
+        } else {
+            set word
+        }
+    }]
+}
 
-  void play() {
-    for (const std::string& line : lines_) {
-      const int code = evaluate(line);
-      if (gone_) return;
-      const std::string result = Tcl_GetStringResult(interp_);
-      require(code == TCL_OK || code == TCL_ERROR, "no other code comes out of commands");
-      results_.push_back(result);
+# A copy has neither gaps in its lists nor an index of users that was kept in step. Traces might
+# change the one and not the other.
+proc judge object {
+    if {$::has_traces || ![interp exists child] || [catch {child eval [list ::tamsel::copy $object { copy}]}]} return
+    if {[told $object] ne [told { copy}]} {error "$object: [told $object]\nits copy: [told { copy}]"}
+}
+proc told object {
+    set names [child eval [list ::tamsel::names $object]]
+    set questions {{text -format quarel} {text -format ec} {text -format json} assertions check messages}
+    foreach name $names {lappend questions [list describe $name] [list users $name]}
+    lmap question $questions {
+        list $question [catch {child eval [list ::tamsel::[lindex $question 0] $object {*}[lrange $question 1 end]]} text] $text
     }
-  }
+}
 
- private:
-  int evaluate(const std::string& line) {
-    if (++commands_ > most_commands) return TCL_OK;
-    int count;
-    const char** words;
-    if (Tcl_SplitList(nullptr, line.c_str(), &count, &words) != TCL_OK) return TCL_OK;
-    std::vector<Tcl_Obj*> command;
-    for (int i = 0; i < count; ++i) {
-      command.push_back(Tcl_NewStringObj(meant_by(words[i]).c_str(), -1));
-      Tcl_IncrRefCount(command.back());
+proc run {{number 0} args} {
+    if {![string is integer -strict $number]} {set number 0}
+    evaluate [lindex $::lines [expr {$number % [llength $::lines]}]]
+}
+proc wait args {
+    if {[incr ::waits] <= 2} {after 1; update}
+}
+proc interrupt args {
+    if {[incr ::commands] <= 100} raise
+}
+proc gone args {
+    if {!$::open_traces} {interp delete child}
+}
+# Tcl itself panics when an execution trace deletes the interpreter. So those run their scripts
+# through `traced`, under which `gone` does nothing.
+proc trace_it args {
+    if {[llength $args] == 5 && [string match e* [lindex $args 1]]} {lset args 4 [list traced [lindex $args 4]]}
+    set ::has_traces 1
+    child eval [list {tcl trace} {*}$args]
+}
+proc traced {script args} {
+    if {[incr ::commands] > 100} return
+    incr ::open_traces
+    try {child eval $script $args} finally {incr ::open_traces -1}
+}
+# What `interp` does to this interpreter itself.
+proc hide_it {word path args} {
+    if {$path eq "" && $word in {hide expose hidden invokehidden}} {
+        child eval [list {tcl interp} $word {} {*}$args]
     }
-    Tcl_Free(reinterpret_cast<char*>(words));
-    const int code = count == 0 ? TCL_OK : Tcl_EvalObjv(interp_, count, command.data(), 0);
-    for (Tcl_Obj* word : command) Tcl_DecrRefCount(word);
-    return code;
-  }
-  std::string meant_by(const char* word) const {
-    if (word[0] == '$' && word[1] == 'c' && word[2] == '\0') return channel_name_;
-    if (word[0] == '$' && word[1] >= '0' && word[1] <= '9') {
-      const size_t index = static_cast<size_t>(std::atoi(word + 1));
-      return index < results_.size() ? results_[index] : "";
-    }
-    return word;
-  }
+}
+)tcl";
 
-  static int run(ClientData data, Tcl_Interp*, int count, Tcl_Obj* const words[]) {
-    Session* session = static_cast<Session*>(data);
-    int line = 0;
-    if (count > 1) Tcl_GetIntFromObj(nullptr, words[1], &line);
-    if (session->gone_) return TCL_OK;
-    return session->evaluate(session->lines_[static_cast<unsigned>(line) % session->lines_.size()]);
-  }
-  static int wait(ClientData data, Tcl_Interp*, int, Tcl_Obj* const[]) {
-    if (++static_cast<Session*>(data)->waits_ > most_waits) return TCL_OK;
-    Tcl_Sleep(1);
-    for (int i = 0; i < 10 && Tcl_DoOneEvent(TCL_TIMER_EVENTS | TCL_DONT_WAIT); ++i) continue;
-    return TCL_OK;
-  }
-  static int ctrl_c(ClientData data, Tcl_Interp*, int, Tcl_Obj* const[]) {
-    if (++static_cast<Session*>(data)->commands_ <= most_commands) std::raise(SIGINT);
-    return TCL_OK;
-  }
-  static int gone(ClientData data, Tcl_Interp*, int, Tcl_Obj* const[]) {
-    Session* session = static_cast<Session*>(data);
-    if (session->open_traces_ == 0) session->delete_interp();
-    return TCL_OK;
-  }
-  // Tcl itself panics when an execution trace deletes the interpreter. So those run their scripts
-  // through `traced`, under which `gone` does nothing.
-  static int trace(ClientData, Tcl_Interp* interp, int count, Tcl_Obj* const words[]) {
-    std::vector<Tcl_Obj*> command(words, words + count);
-    command[0] = Tcl_NewStringObj("tcl trace", -1);
-    if (count == 6 && Tcl_GetString(words[2])[0] == 'e') {
-      Tcl_Obj* const script[] = {Tcl_NewStringObj("traced", -1), words[5]};
-      command[5] = Tcl_NewListObj(2, script);
-    }
-    for (Tcl_Obj* word : command) Tcl_IncrRefCount(word);
-    const int code = Tcl_EvalObjv(interp, count, command.data(), 0);
-    for (Tcl_Obj* word : command) Tcl_DecrRefCount(word);
-    return code;
-  }
-  static int traced(ClientData data, Tcl_Interp* interp, int count, Tcl_Obj* const words[]) {
-    Session* session = static_cast<Session*>(data);
-    if (++session->commands_ > most_commands) return TCL_OK;
-    ++session->open_traces_;
-    const int code = Tcl_EvalObjEx(interp, Tcl_ConcatObj(count - 1, words + 1), 0);
-    --session->open_traces_;
-    return code;
-  }
-  // What `interp` does to this interpreter itself.
-  static int hiding(ClientData, Tcl_Interp* interp, int count, Tcl_Obj* const words[]) {
-    if (count < 3 || Tcl_GetString(words[2])[0] != '\0') return TCL_ERROR;
-    for (const std::string word : {"hide", "expose", "hidden", "invokehidden"}) {
-      if (word != Tcl_GetString(words[1])) continue;
-      std::vector<Tcl_Obj*> command(words, words + count);
-      command[0] = Tcl_NewStringObj("tcl interp", -1);
-      Tcl_IncrRefCount(command[0]);
-      const int code = Tcl_EvalObjv(interp, count, command.data(), 0);
-      Tcl_DecrRefCount(command[0]);
-      return code;
-    }
-    return TCL_ERROR;
-  }
-  void delete_interp() {
-    if (!gone_) Tcl_DeleteInterp(interp_);
-    gone_ = true;
-  }
+Tcl_Interp* interp;
 
-  Tcl_Interp* interp_;
-  Tcl_Channel channel_;
-  std::string channel_name_;
-  std::vector<std::string> lines_;
-  std::vector<std::string> results_;
-  int commands_ = 0;
-  int waits_ = 0;
-  int open_traces_ = 0;
-  bool gone_ = false;
-};
+int interrupt(ClientData, Tcl_Interp*, int, Tcl_Obj* const[]) { return std::raise(SIGINT); }
 
-// Leaves the sample alone in the current folder.
-void prepare_folder() {
-  for (const auto& entry : std::filesystem::directory_iterator("."))
-    std::filesystem::remove_all(entry.path());
-  FILE* file = std::fopen("sample.ec", "w");
-  require(file != nullptr, "the scratch folder takes files");
-  std::fwrite(sample, 1, sizeof sample - 1, file);
-  std::fclose(file);
+int serve(ClientData, Tcl_Interp*, int, Tcl_Obj* const[]) {
+  Tcl_Interp* child = Tcl_GetSlave(interp, "child");
+  Tcl_InitStubs(child, REQUIRED_TCL, 0);
+  TimeHandler_Init(child);
+  return run_dorvik_Init(child);
 }
 
 }  // namespace
@@ -217,6 +152,10 @@ extern "C" int LLVMFuzzerInitialize(int*, char*** argv) {
   require(mkdtemp(folder.data()) != nullptr, "there is room for a scratch folder");
   std::filesystem::current_path(folder);
   std::atexit([] { std::filesystem::remove_all(folder); });
+  interp = Tcl_CreateInterp();
+  Tcl_CreateObjCommand(interp, "raise", interrupt, nullptr, nullptr);
+  Tcl_CreateObjCommand(interp, "serve", serve, nullptr, nullptr);
+  require(Tcl_Eval(interp, player) == TCL_OK, Tcl_GetStringResult(interp));
   return 0;
 }
 
@@ -224,7 +163,16 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string text = text_of(data, size);
   for (char& c : text)
     if (c == '/' || c == '\\' || c == '\0') c = ' ';
-  prepare_folder();
-  Session(text).play();
+  Tcl_Obj* const words[] = {Tcl_NewStringObj("play", -1),
+                            Tcl_NewStringObj(text.data(), static_cast<int>(text.size()))};
+  for (Tcl_Obj* word : words) Tcl_IncrRefCount(word);
+  require(Tcl_EvalObjv(interp, 2, words, 0) == TCL_OK, Tcl_GetStringResult(interp));
+  for (Tcl_Obj* word : words) Tcl_DecrRefCount(word);
+  // These live until the process ends, which for a million sessions is too long.
+  Dorvik* done = last_dorvik;
+  last_dorvik = done->previous;
+  Tcl_DecrRefCount(done->sigint_script);
+  delete done;
+  set_verbose_mode(0);
   return 0;
 }

@@ -16,7 +16,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const IdentInfo* ident = prg.ident(symbol);
     if (ident == nullptr || ident->definition == nullptr) continue;
     Exp* e = ident->definition;
-    if (e->nature == PROJ_n) e = e->args[0];
+    if (e->nature == PROJ_n) e = e->args()[0];
     if (e->nb_args > 0) e->type = nullptr;  // which is what the equation claims
     prg.type(e);
     prg.clock(e);
@@ -29,7 +29,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string text;
   tamsel::check(&prg, {std::begin(tamsel::finding_kinds), std::end(tamsel::finding_kinds)});
   tamsel::write_json(&prg, &text);
-  const tamsel::Users users(&prg);
+  tamsel::Users users(&prg);
   for (int symbol = 1; symbol <= program.symbols.nb_symbols; ++symbol) {
     tamsel::ConeOptions options;
     options.users = symbol % 2 == 0 ? &users : nullptr;

@@ -17,7 +17,7 @@ EcType::~EcType() {
 
 SymbolInfoArray::~SymbolInfoArray() {
   for (ChunkArray* chunk = this; chunk != nullptr; chunk = chunk->next)
-    for (int i = 0; i < chunk->size_; ++i) delete chunk->items[i];
+    for (int i = 0; i <= chunk->last_used; ++i) delete chunk->items[i];
 }
 
 ExpList::~ExpList() {
@@ -27,32 +27,6 @@ ExpList::~ExpList() {
     delete cell;
     cell = behind;
   }
-}
-
-Exp::~Exp() {
-  while (infos != nullptr) {
-    ExpInfo* behind = infos->next;
-    delete infos;
-    infos = behind;
-    --things_of_nodes;
-  }
-  if (!in_arena_) delete[] args;
-}
-
-void ExpHeap::cut_back(const Mark& mark) {
-  while (newest_ != mark.newest && (entered_ > 0 || things_of_nodes > 0)) {
-    Exp* e = newest_;
-    newest_ = e->made_before_;
-    if (e->in_arena_) {
-      e->~Exp();
-    } else {
-      delete e;
-      --entered_;
-    }
-  }
-  newest_ = mark.newest;
-  size_ = mark.size;
-  arena_.cut_back(mark.arena);
 }
 
 // The heaps and maps follow, as members: replaced records are deleted after the others, and

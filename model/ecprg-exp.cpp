@@ -33,8 +33,8 @@ class TypeChecker : public ExpVisitor {
   EcType* call(Exp* exp);
 
   static EcType* type_of(const Exp* exp, int place) {
-    const bool there = place < exp->nb_args && exp->args[place] != nullptr;
-    return there ? exp->args[place]->type : nullptr;
+    const bool there = place < exp->nb_args && exp->args()[place] != nullptr;
+    return there ? exp->args()[place]->type : nullptr;
   }
   static bool all_are(const Exp* exp, const EcType* type) {
     for (int i = 0; i < exp->nb_args; ++i)
@@ -165,11 +165,11 @@ int EcPrg::clock(Exp* e) {
   std::vector<Exp*> waiting;  // each takes the clock of the next
   while (e->clock == -1 && e->nature != WHEN_n && e->nature != CURRENT_n && e->nb_args > 0) {
     waiting.push_back(e);
-    e = e->args[0];
+    e = e->args()[0];
   }
   if (e->clock == -1) {
     if (e->nature == WHEN_n && e->nb_args == 2) {
-      e->clock = e->args[1]->ident;
+      e->clock = e->args()[1]->ident;
       if (e->clock == 0 && !silent) ierror("The clock operand of 'when' operator must be named");
     } else if (!silent) {
       ierror("EcPrg::clock '%s' is not implemented", nodekey(e->nature));

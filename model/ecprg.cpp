@@ -23,27 +23,45 @@ void EcPrg::EcPrgInit(SymbolTable* table) {
 
 // --- Records.
 
-// The place of the record of `symbol`, with room to keep the one that it may hold.
-SymbolInfo*& EcPrg::prepare_slot(int symbol) {
-  replaced_.make_room();
+// The place of the record of `symbol`, with room to keep the one that it may hold, and those of
+// others that are under way.
+SymbolInfo*& EcPrg::prepare_slot(int symbol, size_t under_way) {
+  replaced_.make_room(under_way + 1);
   return (*infos)[symbol];
 }
 
-void EcPrg::install(SymbolInfo*& slot, std::unique_ptr<SymbolInfo> record) noexcept {
-  if (slot != nullptr) replaced_.enter(slot);
+void EcPrg::install(int symbol, std::unique_ptr<SymbolInfo> record) noexcept {
+  SymbolInfo*& slot = (*infos)[symbol];
+  if (slot != nullptr) {
+    replaced_.enter(slot);
+    has_repeated_names_ = true;
+  }
   slot = record.release();
+  set_retired(symbol, false);
 }
 
-// Gives `symbol` an identifier's record and the leaf that stands for it.
-IdentInfo* EcPrg::declare(IdentMode mode, ExpNature leaf, int symbol, EcType* type, int clock) {
-  auto record = std::make_unique<IdentInfo>(mode, symbol, type, clock);
-  IdentInfo* ident = record.get();
-  info_heap.make_room();
-  SymbolInfo*& slot = prepare_slot(symbol);
+// An identifier's record with the leaf that stands for it, all ready for `enter`, as are those
+// under way.
+std::unique_ptr<IdentInfo> EcPrg::new_ident(IdentMode mode, ExpNature leaf, int symbol,
+                                            EcType* type, int clock, size_t under_way) {
+  auto ident = std::make_unique<IdentInfo>(mode, symbol, type, clock);
+  info_heap.make_room(under_way + 1);
+  prepare_slot(symbol, under_way);
   ident->ident_exp = exp_heap.leaf(leaf, symbol, type, clock);
   if (leaf != ECREF_n) ident->definition = ident->ident_exp;
-  install(slot, std::move(record));
+  return ident;
+}
+
+IdentInfo* EcPrg::enter(std::unique_ptr<IdentInfo> record) noexcept {
+  IdentInfo* ident = record.get();
+  install(ident->name, std::move(record));
   info_heap.enter(ident);
+  return ident;
+}
+
+IdentInfo* EcPrg::declare(IdentMode mode, ExpNature leaf, int symbol, EcType* type, int clock) {
+  IdentInfo* ident = enter(new_ident(mode, leaf, symbol, type, clock));
+  if (mode <= USR_CONST_mode) ++revision;
   return ident;
 }
 
@@ -52,21 +70,24 @@ static IntList* new_cell(int value) { return new IntList(&value, 1); }
 void EcPrg::add_input(int symbol, EcType* type, int clock) {
   std::unique_ptr<IntList> cell(new_cell(symbol));
   IdentInfo* input = declare(INPUT_mode, INPUT_n, symbol, type, clock);
-  input->order = nb_inputs++;
+  input->order = next_slot(NameList::inputs);
+  ++nb_inputs;
   inputs = append(inputs, cell.release());
 }
 
 void EcPrg::add_output(int symbol, EcType* type, int clock, int at_front) {
   std::unique_ptr<IntList> cell(new_cell(symbol));
   IdentInfo* output = declare(OUTPUT_mode, ECREF_n, symbol, type, clock);
-  output->order = nb_outputs++;
+  output->order = next_slot(NameList::outputs);
+  ++nb_outputs;
   outputs = at_front ? append(cell.release(), outputs) : append(outputs, cell.release());
 }
 
 void EcPrg::add_local(int symbol, EcType* type, int clock) {
   std::unique_ptr<IntList> cell(new_cell(symbol));
   IdentInfo* local = declare(LOCAL_mode, ECREF_n, symbol, type, clock);
-  local->order = nb_locals++;
+  local->order = next_slot(NameList::locals);
+  ++nb_locals;
   locals = append(locals, cell.release());
 }
 
@@ -74,18 +95,26 @@ void EcPrg::add_usr_const(int symbol, EcType* type, int clock) {
   std::unique_ptr<IntList> cell(new_cell(symbol));
   std::unique_ptr<IntList> type_cell(type != nullptr ? new_cell(symbol) : nullptr);
   IdentInfo* constant = declare(USR_CONST_mode, CONST_n, symbol, type, clock);
-  constant->value = nb_constants++;
+  constant->value = next_slot(NameList::constants);
+  ++nb_constants;
   constants = append(constants, cell.release());
   if (type != nullptr) type->constants = append(type->constants, type_cell.release());
 }
 
+void EcPrg::enter_enum_const(std::unique_ptr<IdentInfo> record, IntList* cell, int rank) noexcept {
+  IdentInfo* ident = enter(std::move(record));
+  EcType* type = ident->type;
+  ident->order = rank;
+  ident->value = next_slot(NameList::constants);
+  ++nb_constants;
+  constants = append(constants, cell);
+  if (type != nullptr && rank >= 0 && rank < type->nb_enum) type->enum_consts[rank] = ident;
+}
+
 void EcPrg::add_enum_const(int symbol, EcType* type, int clock, int rank) {
   std::unique_ptr<IntList> cell(new_cell(symbol));
-  IdentInfo* ident = declare(ENUM_CONST_mode, CONST_n, symbol, type, clock);
-  ident->order = rank;
-  ident->value = nb_constants++;
-  constants = append(constants, cell.release());
-  if (type != nullptr && rank >= 0 && rank < type->nb_enum) type->enum_consts[rank] = ident;
+  std::unique_ptr<IdentInfo> record = new_ident(ENUM_CONST_mode, CONST_n, symbol, type, clock);
+  enter_enum_const(std::move(record), cell.release(), rank);
 }
 
 void EcPrg::add_usr_func(int symbol, EcType* param_type, EcType* result_type, IntList* params,
@@ -95,14 +124,18 @@ void EcPrg::add_usr_func(int symbol, EcType* param_type, EcType* result_type, In
   std::unique_ptr<IntList> cell(new_cell(symbol));
   auto record = std::make_unique<FuncInfo>(symbol, param_type, result_type, nullptr, nullptr);
   FuncInfo* function = record.get();
-  install(prepare_slot(symbol), std::move(record));
+  prepare_slot(symbol);
+  install(symbol, std::move(record));
   function->params = held_params.release();
   function->results = held_results.release();
+  ++revision;
   if (function->tuple_result) {
-    function->index = nb_tuple_functions++;
+    function->index = next_slot(NameList::tuple_functions);
+    ++nb_tuple_functions;
     tuple_functions = append(tuple_functions, cell.release());
   } else {
-    function->index = nb_functions++;
+    function->index = next_slot(NameList::functions);
+    ++nb_functions;
     functions = append(functions, cell.release());
   }
 }
@@ -141,7 +174,7 @@ FuncInfo* EcPrg::function(int symbol) {
 
 std::vector<int> EcPrg::declared_names(NameKind kind) {
   std::vector<int> names;
-  const bool may_repeat = replaced_.size() > 0;
+  const bool may_repeat = has_repeated_names_;
   const auto take = [&](const IntList* list, auto stands_here) {
     std::unordered_map<int, const IntList*> last;  // where names that may be there again stand
     for (const IntList* cell = list; may_repeat && cell != nullptr; cell = cell->next)
@@ -201,9 +234,7 @@ IdentInfo* EcPrg::declared_ident(int symbol) {
 
 Exp* EcPrg::enter(Exp* e) { return e != nullptr ? exp_heap.enter(e) : nullptr; }
 
-// What an equation or assertion says of its right side. A leaf is shared with every other use of
-// its name and keeps what its declaration says.
-static void set_type_and_clock(Exp* e, EcType* type, int clock) {
+void EcPrg::set_type_and_clock(Exp* e, EcType* type, int clock) {
   if (e->nb_args == 0) return;
   e->type = type;
   e->clock = clock;
@@ -247,22 +278,6 @@ IdentInfo* EcPrg::define_tuple(IntList* names, Exp* e) {
     records[i]->tuple_names = names;
   }
   return records.back();
-}
-
-IdentInfo* EcPrg::add_assertion(Exp* e) {
-  if (e == nullptr) return nullptr;
-  const int symbol = symbols->add("__assert_%d", nb_assertions);
-  std::unique_ptr<IntList> cell(new_cell(symbol));
-  auto record = std::make_unique<IdentInfo>(ASSERT_mode, symbol, bool_type, clock(e));
-  IdentInfo* assertion = record.get();
-  assertion->definition = e;
-  info_heap.make_room();
-  install(prepare_slot(symbol), std::move(record));
-  info_heap.enter(assertion);
-  set_type_and_clock(e, bool_type, assertion->clock);
-  assertions = append(assertions, cell.release());
-  ++nb_assertions;
-  return assertion;
 }
 
 EcPrg::Mark EcPrg::mark() const {
@@ -311,7 +326,9 @@ EcType* EcPrg::define_named_type(int symbol) {
     error_about(symbol, "type '%s' already declared");
     return nullptr;
   }
-  return slot = add_type(new EcType(symbol));
+  slot = add_type(new EcType(symbol));
+  set_retired(symbol, false);
+  return slot;
 }
 
 EcType* EcPrg::named_type(int symbol) const {
@@ -355,18 +372,36 @@ void EcPrg::add_usr_type(int symbol) {
   EcType* type = define_named_type(symbol);
   if (type == nullptr) return;
   user_types = append(user_types, cell.release());
-  type->number = ++nb_user_types;
+  type->number = next_slot(NameList::types);
+  ++nb_user_types;
 }
 
 void EcPrg::add_usr_type(int symbol, IntList* enum_names) {
-  const int known = nb_user_types;
-  add_usr_type(symbol);
-  if (nb_user_types == known) return;
+  if (named_type(symbol) != nullptr) return add_usr_type(symbol);
+  const int count = length(enum_names);
+  auto ranks = std::make_unique<IdentInfo*[]>(static_cast<size_t>(count));
+  const ExpHeap::Mark before = exp_heap.mark();
+  std::vector<std::unique_ptr<IdentInfo>> records;
+  std::vector<std::unique_ptr<IntList>> cells;
+  cells.reserve(static_cast<size_t>(count));  // so that none is lost on its way there
+  try {
+    for (const int value : values_of(enum_names)) {
+      records.push_back(
+          new_ident(ENUM_CONST_mode, CONST_n, value, nullptr, true_clock, records.size()));
+      cells.emplace_back(new_cell(value));
+    }
+    add_usr_type(symbol);
+  } catch (...) {
+    exp_heap.cut_back(before);
+    throw;
+  }
   EcType* type = types;
-  int rank = length(enum_names);
-  type->enum_consts.reset(new IdentInfo*[rank]());
-  type->nb_enum = rank;
-  for (const int value : values_of(enum_names)) add_enum_const(value, type, true_clock, --rank);
+  type->enum_consts = std::move(ranks);
+  type->nb_enum = count;
+  for (size_t i = 0; i < records.size(); ++i) {
+    records[i]->type = records[i]->ident_exp->type = type;
+    enter_enum_const(std::move(records[i]), cells[i].release(), count - 1 - static_cast<int>(i));
+  }
 }
 
 const char* EcPrg::type_name(const EcType* type, const char* unnamed) const {

@@ -1,15 +1,17 @@
 // model/ecprg.h: one EC program, the registry of everything that it declares.
 //
-// Names are symbol numbers of the program's table. Declarations are never removed; everything lives
-// until the program is deleted. Operations that can fail answer null or non-zero and leave the
-// program as it was, with the reason in `error_message`. Any of them may throw bad_alloc, also with
-// nothing changed; only an enumeration may then be there in part.
+// Names are symbol numbers of the program's table. Everything lives until the program is deleted,
+// but what the operations under "Changes" take away. Operations that can fail answer null or
+// non-zero and leave the program as it was, with the reason in `error_message`. Any of them may
+// throw bad_alloc, also with nothing changed.
 #ifndef MODEL_ECPRG_H
 #define MODEL_ECPRG_H
 
 #include <map>
+#include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "foundation/intlist.h"
@@ -30,6 +32,18 @@ enum class NameKind { input, output, local, constant, function, type };
 constexpr NameKind name_kinds[] = {NameKind::input,    NameKind::output,   NameKind::local,
                                    NameKind::constant, NameKind::function, NameKind::type};
 
+// The lists of names of a program.
+enum class NameList {
+  inputs,
+  outputs,
+  locals,
+  assertions,
+  constants,
+  functions,
+  tuple_functions,
+  types
+};
+
 class EcPrg {
  public:
   EcPrg() = default;
@@ -40,6 +54,10 @@ class EcPrg {
   // Makes a fresh program an empty one: the predefined types and constants. Borrows `symbols`,
   // which must outlive the program. To be called once, before anything else.
   void EcPrgInit(SymbolTable* symbols);
+
+  // Makes a fresh program like another one, with copies of all that is in it, on a table of its own
+  // that has nothing but what EcPrgInit put there. Symbols have the same numbers.
+  void copy_from(EcPrg& other);
 
   // --- Declarations. They borrow `type`, which may be null (untyped). A name declared again gets a
   // new record; the old one stays alive as long as the program.
@@ -69,6 +87,47 @@ class EcPrg {
   IdentInfo* define_tuple(IntList* names, Exp* e);
   // Returns the record, or null if `e` is.
   IdentInfo* add_assertion(Exp* e);
+
+  // --- Changes. They look at nothing but what they change: whoever calls them has seen to it that
+  // nothing else mentions what goes (see editing/editor.h).
+
+  // What belongs to one equation or assertion alone: the nodes of its expression, but leaves of
+  // names, and the list of its names where they are several. What was read belongs to the program.
+  struct Parts {
+    std::unique_ptr<ExpHeap> nodes;
+    std::unique_ptr<IntList> names;
+  };
+  // An equation, or the assertion of that one name, that is ready to take its place.
+  struct Ready {
+    std::vector<int> names;
+    std::vector<Exp*> definitions;  // one a name
+    Parts parts;
+  };
+  // Makes (`names`) = `right` ready: all of them outputs or locals, or one an assertion. `nodes`
+  // takes the projections of several names.
+  Ready make_ready(const std::vector<int>& names, Exp* right, std::unique_ptr<ExpHeap> nodes);
+  // Puts it in the place of all equations that its names had, each of which goes with all names of
+  // its left side, or of the assertion's expression. `line` is its line from now on; 0: none.
+  void put(Ready ready, int line) noexcept;
+  // Takes away the equation of an output or local, with all names of its left side; there may be
+  // none.
+  void drop_equation(IdentInfo* ident) noexcept;
+  // The same as add_assertion for an expression whose nodes lie in `nodes`, but leaves of names.
+  IdentInfo* add_assertion(Exp* e, std::unique_ptr<ExpHeap> nodes);
+  // After this, names of the list can be taken away until one is added. A name that was declared
+  // again then stands in its list once, where it was declared last.
+  void prepare_removal(NameList list);
+  // Takes a name or assertion off its list, with its record and its equation.
+  void remove(NameList list, int symbol) noexcept;
+  // Gives things other names: each symbol of `renamed` the text of the pair. The new texts are
+  // those of no other declared things but of such as are renamed as well.
+  void rename(const std::vector<std::pair<int, std::string>>& renamed);
+  // Notes whether nothing of the program is called so any more that once was; such a symbol stays
+  // in the table, and is free to be declared.
+  void set_retired(int symbol, bool is) noexcept;
+  bool is_retired(int symbol) const {
+    return static_cast<size_t>(symbol) < retired_.size() && retired_[static_cast<size_t>(symbol)];
+  }
 
   // --- Expressions.
 
@@ -121,9 +180,23 @@ class EcPrg {
   // asked.
   IdentInfo* ident(int symbol);
   FuncInfo* function(int symbol);
+  // Have the memory fetch what these look at, for who asks for many: first the place of the record
+  // of each symbol, then the record.
+  void fetch_place(int symbol) const { __builtin_prefetch(infos->find(symbol)); }
+  void fetch_record(int symbol) const {
+    if (SymbolInfo* const* place = infos->find(symbol)) __builtin_prefetch(*place);
+  }
   // The names of a kind in order, each once: a name declared again stands where it was declared
   // last. Functions with several results come after the others.
   std::vector<int> declared_names(NameKind kind);
+  // The name at place `i` (from 0) of a list: stores it and returns 0, or returns 1 where there is
+  // none. Constant time, or logarithmic once names were removed.
+  int name_at(NameList list, int i, int* symbol);
+  // The place of a name in its list, from 0, as quickly. (IdentInfo::order and its like only grow
+  // from name to name once others were removed.)
+  int place_of(NameList list, int symbol);
+  // The list that a name of that kind stands in.
+  NameList list_of(NameKind kind, int symbol);
   // The record of a name that can stand in an expression; null with a message for any other.
   IdentInfo* declared_ident(int symbol);
   // The type of that name; null where there is none.
@@ -196,19 +269,40 @@ class EcPrg {
   IntList* user_types = nullptr;  // in order of declaration
   EcType* types = nullptr;        // all, newest first
   ExpHeap exp_heap;               // every node
-  SymbolInfoHeap info_heap;       // every identifier's record; borrowed from `infos` and `replaced`
+  SymbolInfoHeap info_heap;       // every identifier's record; borrowed from `infos` and
+                                  // `replaced`; those that were removed are gone
   char error_message[tamsel::text_room] = "";
   std::vector<Message> messages;  // of the text that the program was read from, in order
   int message_line = 0;           // of what is being read; 0: messages are not kept
   bool silent = false;            // type and clock report no misuse through ierror
   ExpRefusal exp_refusal = ExpRefusal::none;
-  unsigned revision = 0;  // another with each change of an equation
+  unsigned removals = 0;  // another with each name that goes
+  unsigned revision = 0;  // another with each change of what mentions names
 
  private:
+  struct ListOfNames;
+  static const ListOfNames lists_of_names[];
+
   int error_about(int symbol, const char* format);
+  // What an equation or assertion says of its right side. A leaf is shared with every other use of
+  // its name and keeps what its declaration says.
+  static void set_type_and_clock(Exp* e, EcType* type, int clock);
+  int next_slot(NameList list) const;
+  void drop_repeated_names();
+  void copy_lists(const EcPrg& other);
+  Parts& parts_of(int symbol);
+  void keep_room_for(int symbol);
+  void drop_parts(int symbol) noexcept;
+  void make_room_to_retire();
+  bool is_assertion(int symbol);
+  int new_assertion_name();
   SymbolInfo* record(int symbol);
-  SymbolInfo*& prepare_slot(int symbol);
-  void install(SymbolInfo*& slot, std::unique_ptr<SymbolInfo> record) noexcept;
+  SymbolInfo*& prepare_slot(int symbol, size_t under_way = 0);
+  void install(int symbol, std::unique_ptr<SymbolInfo> record) noexcept;
+  std::unique_ptr<IdentInfo> new_ident(IdentMode mode, ExpNature leaf, int symbol, EcType* type,
+                                       int clock, size_t under_way = 0);
+  IdentInfo* enter(std::unique_ptr<IdentInfo> record) noexcept;
+  void enter_enum_const(std::unique_ptr<IdentInfo> record, IntList* cell, int rank) noexcept;
   IdentInfo* declare(IdentMode mode, ExpNature leaf, int name, EcType* type, int clock);
   Exp* constant(int name, IdentMode mode, EcType* type);
   EcType* add_type(EcType* type);
@@ -217,9 +311,15 @@ class EcPrg {
   };
   struct Dialect;  // what the texts of a program differ in; the writers know it
   class Printer;
+  class Copier;
   static const Dialect ec, source, quarel;
 
-  SymbolInfoHeap replaced_;                            // records of names declared again
+  SymbolInfoHeap replaced_;           // records of names declared again
+  bool has_repeated_names_ = false;   // in its lists
+  tamsel::IntListIndex indexes_[8];   // by NameList
+  std::vector<Parts> parts_;          // by the symbol of the first name, as far as there are some
+  std::vector<bool> retired_;         // symbols
+  std::vector<int> free_assertions_;  // symbols of assertions that are gone
   std::vector<std::unique_ptr<IntList>> tuple_names_;  // of the tuple equations
   std::unordered_map<int, EcType*> named_types_;       // `types` by name
   // `types` by members. Nothing is copied, so a tuple type can be taken back without memory.

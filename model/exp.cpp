@@ -1,7 +1,10 @@
 #include "model/exp.h"
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cstdint>
+#include <vector>
 
 #include "model/ecprg.h"
 
@@ -82,61 +85,93 @@ void ExpList::concat(ExpList* other) {
   cell->next = other;
 }
 
-Exp::Exp(ExpNature kind, int n, Exp* const* a) : nature(kind), nb_args(n), args(new Exp*[n]) {
-  std::copy_n(a, n, args);
+// The nodes in arenas of the process that have rare fields.
+static std::atomic<size_t> rare_in_arenas;
+
+RareFields::~RareFields() {
+  while (infos != nullptr) {
+    ExpInfo* behind = infos->next;
+    delete infos;
+    infos = behind;
+  }
 }
+
+Exp::Exp(ExpNature kind, int n, Exp* const* a) : nb_args(n), nature(kind) { add_rare(a); }
 
 Exp::Exp(ExpNature kind, Exp* a) : Exp(kind, 1, &a) {}
 
-Exp::Exp(ExpNature kind, Exp* a, int rank) : Exp(kind, 1, &a) { order = rank; }
+Exp::Exp(ExpNature kind, Exp* a, int rank) : Exp(kind, 1, &a) { rare()->order = rank; }
 
-Exp::Exp(ExpNature kind, Exp* a, Exp* b) : nature(kind), nb_args(2), args(new Exp* [2] { a, b }) {}
+Exp::Exp(ExpNature kind, Exp* a, Exp* b) : Exp(kind, 2, std::array{a, b}.data()) {}
 
-Exp::Exp(ExpNature kind, Exp* a, Exp* b, Exp* c)
-    : nature(kind), nb_args(3), args(new Exp* [3] { a, b, c }) {}
+Exp::Exp(ExpNature kind, Exp* a, Exp* b, Exp* c) : Exp(kind, 3, std::array{a, b, c}.data()) {}
 
-Exp::Exp(ExpNature kind, ExpList* list)
-    : nature(kind), nb_args(list->length), args(new Exp*[list->length]) {
-  Exp** place = args;
-  for (const ExpList* cell = list; cell != nullptr; cell = cell->next) *place++ = cell->exp;
+Exp::Exp(ExpNature kind, ExpList* list) : nb_args(list->length), nature(kind) {
+  std::vector<Exp*> operands;
+  for (const ExpList* cell = list; cell != nullptr; cell = cell->next)
+    operands.push_back(cell->exp);
+  add_rare(operands.data());
 }
 
 Exp::Exp(ExpNature kind, int n, Exp** a, Fract* coefficients, Fract k) : Exp(kind, n, a) {
-  coeffs.reset(new Fract[n]);
-  std::copy_n(coefficients, n, coeffs.get());
-  constant = k;
+  rare()->coeffs.reset(new Fract[n]);
+  std::copy_n(coefficients, n, rare()->coeffs.get());
+  rare()->constant = k;
 }
 
 Exp::Exp(ExpNature kind, int n, Exp** a, int* coefficients, int k) : Exp(kind, n, a) {
-  ints.reset(new int[n]);
-  std::copy_n(coefficients, n, ints.get());
-  int_param = k;
+  rare()->ints.reset(new int[n]);
+  std::copy_n(coefficients, n, rare()->ints.get());
+  rare()->int_param = k;
 }
 
 Exp::Exp(ExpNature kind, int symbol, EcType* leaf_type, int leaf_clock)
-    : clock(leaf_clock), type(leaf_type), ident(symbol), nature(kind) {}
+    : type(leaf_type), clock(leaf_clock), ident(symbol), nature(kind) {
+  add_rare(nullptr);
+}
 
 Exp::Exp(ExpNature kind, int symbol, EcType* leaf_type) : Exp(kind, symbol, leaf_type, -1) {}
 
-void ExpHeap::add(Exp* e) noexcept {
-  e->made_before_ = newest_;
-  newest_ = e;
-  ++size_;
+Exp::~Exp() {
+  if (!has_rare_) return;
+  delete rare();
+  if (in_arena_) --rare_in_arenas;
 }
 
-// The operands stand behind the node, in the same piece of memory.
+RareFields& Exp::add_rare(Exp* const* operands) {
+  auto fields = std::make_unique<RareFields>();
+  fields->args.reset(new Exp*[nb_args]);
+  std::copy_n(operands, nb_args, fields->args.get());
+  if (in_arena_) ++rare_in_arenas;
+  has_rare_ = true;
+  first_ = reinterpret_cast<Exp*>(fields.release());
+  return *rare();
+}
+
+RareFields& Exp::some_rare() { return has_rare_ ? *rare() : add_rare(in_place()); }
+
+// Of a node in an arena whose rare fields say nothing, the operands return behind it, so that one
+// that a pass has marked takes no more memory than before.
+void Exp::drop_idle_rare() {
+  if (!in_arena_ || infos() != nullptr || key() != 0 || rare()->order != 0) return;
+  const std::unique_ptr<RareFields> idle(rare());
+  first_ = nullptr;
+  std::copy_n(idle->args.get(), nb_args, in_place());
+  has_rare_ = false;
+  --rare_in_arenas;
+}
+
+Exp::Exp(InArena, ExpNature kind, int n, Exp* const* operands, int rank)
+    : nb_args(n), nature(kind), in_arena_(true), is_ranked_(rank != 0) {
+  std::copy_n(operands, n, in_place());
+  if (is_ranked_) *rank_place() = rank;
+}
+
 Exp* ExpHeap::node(ExpNature kind, int n, Exp* const* operands, int rank) {
-  static_assert(sizeof(Exp) % alignof(Exp*) == 0, "operands can stand behind a node");
-  static_assert(sizeof(void*) != 8 || sizeof(Exp) == 96, "the fields of a node leave no gaps");
-  void* room = arena_.allocate(sizeof(Exp) + static_cast<size_t>(n) * sizeof(Exp*));
-  Exp* e = new (room) Exp(kind, 0, nullptr, -1);
-  e->in_arena_ = true;
-  e->nb_args = n;
-  e->args = reinterpret_cast<Exp**>(e + 1);
-  e->order = rank;
-  std::copy_n(operands, n, e->args);
-  add(e);
-  return e;
+  static_assert(sizeof(void*) != 8 || sizeof(Exp) == 32, "the fields of a node leave no gaps");
+  void* room = arena_.allocate(Exp::size_in_arena(n, rank != 0));
+  ++size_;
+  return new (room) Exp(Exp::InArena(), kind, n, operands, rank);
 }
 
 Exp* ExpHeap::leaf(ExpNature kind, int symbol, EcType* type, int clock) {
@@ -147,23 +182,62 @@ Exp* ExpHeap::leaf(ExpNature kind, int symbol, EcType* type, int clock) {
   return e;
 }
 
+Exp* ExpHeap::copy(const Exp* e, Exp* const* operands) {
+  Exp* made = node(e->nature, e->nb_args, operands, e->order());
+  made->ident = e->ident;
+  made->type = e->type;
+  made->clock = e->clock;
+  const size_t count = static_cast<size_t>(e->nb_args);
+  if (const int* ints = e->ints()) {
+    RareFields& rare = made->some_rare();
+    rare.ints.reset(new int[count]);
+    std::copy_n(ints, count, rare.ints.get());
+    rare.int_param = e->int_param();
+  }
+  if (const Fract* coeffs = e->coeffs()) {
+    RareFields& rare = made->some_rare();
+    rare.coeffs.reset(new Fract[count]);
+    std::copy_n(coeffs, count, rare.coeffs.get());
+    rare.constant = e->constant();
+  }
+  return made;
+}
+
 Exp* ExpHeap::enter(Exp* e) noexcept {
-  add(e);
-  ++entered_;
+  e->rare()->entered_before = entered_;
+  entered_ = e;
+  ++size_;
   return e;
 }
 
+void ExpHeap::cut_back(const Mark& mark) {
+  while (entered_ != mark.entered) {
+    const std::unique_ptr<Exp> e(entered_);
+    entered_ = e->rare()->entered_before;
+  }
+  if (rare_in_arenas > 0) each_in_arena(mark.arena, [](Exp* e) { e->~Exp(); });
+  arena_.cut_back(mark.arena);
+  size_ = mark.size;
+}
+
+void Exp::set_order(int rank) {
+  if (is_ranked_)
+    *rank_place() = rank;
+  else
+    some_rare().order = rank;
+}
+
+void Exp::set_key(int number) { some_rare().key = number; }
+
 int Exp::projection_order() {
-  if (nature == PROJ_n) return order;
+  if (nature == PROJ_n) return order();
   return EcPrg::ierror("projection_order called on '%s' operator", nodekey(nature));
 }
 
 int Exp::function_ident() {
-  if (nature == CALL_n) return order;
+  if (nature == CALL_n) return order();
   return EcPrg::ierror("Exp::function_name called on '%s' operator", nodekey(nature));
 }
-
-std::atomic<size_t> tamsel::things_of_nodes;
 
 // The cell of `key`, or the place where it belongs.
 static ExpInfo** place_of(ExpInfo** infos, int key) {
@@ -172,26 +246,27 @@ static ExpInfo** place_of(ExpInfo** infos, int key) {
 }
 
 void Exp::put_info(int info_key, void* value) {
-  ExpInfo** place = place_of(&infos, info_key);
+  ExpInfo** place = place_of(&some_rare().infos, info_key);
   if (*place != nullptr && (*place)->key == info_key) {
     (*place)->value = value;
     return;
   }
   *place = new ExpInfo{info_key, value, *place};
-  ++things_of_nodes;
 }
 
 void Exp::drop_info(int info_key) {
-  ExpInfo** place = place_of(&infos, info_key);
+  if (!has_rare_) return;
+  ExpInfo** place = place_of(&rare()->infos, info_key);
   ExpInfo* info = *place;
   if (info == nullptr || info->key != info_key) return;
   *place = info->next;
   delete info;
-  --things_of_nodes;
+  drop_idle_rare();
 }
 
 void* Exp::get_ptr_info(int info_key) {
-  const ExpInfo* info = *place_of(&infos, info_key);
+  if (!has_rare_) return nullptr;
+  const ExpInfo* info = *place_of(&rare()->infos, info_key);
   return info != nullptr && info->key == info_key ? info->value : nullptr;
 }
 

@@ -1,12 +1,13 @@
 // model/exp.h: expressions.
 //
 // A node has a kind, ordered operands and, once computed, a type and a clock. Nodes belong to the
-// heap of their program; a node borrows its operands, so that subtrees may be shared.
+// heap of their program; a node borrows its operands, so that subtrees may be shared. There are
+// many: a node takes 24 bytes and 8 an operand.
 #ifndef MODEL_EXP_H
 #define MODEL_EXP_H
 
-#include <atomic>
 #include <cstddef>
+#include <memory>
 
 #include "foundation/arena.h"
 #include "foundation/fract.h"
@@ -146,30 +147,19 @@ class ExpList {
 
 namespace tamsel {
 
-// How many annotations and arrays of coefficients the nodes of the process own.
-extern std::atomic<size_t> things_of_nodes;
+// What few nodes have, and what those are made of that no heap makes. It stands beside its node.
+struct RareFields {
+  ~RareFields();
 
-// The coefficients of a node: an array, or null. Owns it.
-template <class Number>
-class Coefficients {
- public:
-  Coefficients() = default;
-  ~Coefficients() { reset(); }
-  Coefficients(const Coefficients&) = delete;
-  Coefficients& operator=(const Coefficients&) = delete;
-
-  // Takes `fresh`, which is made with `new[]`, or null.
-  void reset(Number* fresh = nullptr) {
-    if (fresh != nullptr) ++things_of_nodes;
-    if (numbers_ != nullptr) --things_of_nodes;
-    delete[] numbers_;
-    numbers_ = fresh;
-  }
-  Number* get() const { return numbers_; }
-  Number& operator[](int i) const { return numbers_[i]; }
-
- private:
-  Number* numbers_ = nullptr;
+  ExpInfo* infos = nullptr;         // owned
+  std::unique_ptr<Exp*[]> args;     // all operands of the node
+  std::unique_ptr<int[]> ints;      // one an operand, or null
+  std::unique_ptr<Fract[]> coeffs;  // one an operand, or null
+  Fract constant = Fract(0);
+  int int_param = 0;
+  int key = 0;
+  int order = 0;
+  Exp* entered_before = nullptr;  // the node that its heap was given before
 };
 
 }  // namespace tamsel
@@ -218,28 +208,58 @@ class Exp {
   void Iprint_def(PtyStream* out, SymbolTable* symbols);
   void print_brief(PtyStream* out, SymbolTable* symbols);
 
-  ExpInfo* infos = nullptr;            // owned
-  int key = 0;                         // for users of the model to number nodes
-  int reserved = 0;                    // for them as well; nothing here reads it
-  tamsel::Coefficients<int> ints;      // one an operand, or null
-  tamsel::Coefficients<Fract> coeffs;  // one an operand, or null
-  Fract constant = Fract(0);           // the constant that goes with `coeffs`
-  int int_param = 0;                   // the constant that goes with `ints`
-  // From here on what every pass asks for. It stands together, and next to the operands.
-  int clock = -1;          // symbol of its clock; -1 until known
+  // The operands: `nb_args` of them, which are the program's; the array is the node's.
+  Exp** args() { return has_rare_ ? rare()->args.get() : in_place(); }
+  Exp* const* args() const { return const_cast<Exp*>(this)->args(); }
+  // See the constructor; 0 for a node that is neither projection nor call.
+  int order() const {
+    if (is_ranked_) return *rank_place();
+    return has_rare_ ? rare()->order : 0;
+  }
+  void set_order(int rank);
+
+  // What few nodes have.
+  ExpInfo* infos() const { return has_rare_ ? rare()->infos : nullptr; }  // the newest
+  // A number for users of the model; 0 until it is set.
+  int key() const { return has_rare_ ? rare()->key : 0; }
+  void set_key(int number);
+  // The coefficients of a linear combination, one an operand, or null; and its constant.
+  const int* ints() const { return has_rare_ ? rare()->ints.get() : nullptr; }
+  int int_param() const { return has_rare_ ? rare()->int_param : 0; }
+  const Fract* coeffs() const { return has_rare_ ? rare()->coeffs.get() : nullptr; }
+  Fract constant() const { return has_rare_ ? rare()->constant : Fract(0); }
+
   EcType* type = nullptr;  // null until known
+  int clock = -1;          // symbol of its clock; -1 until known
   int ident = 0;           // symbol of a leaf
-  int order = 0;           // see the constructor
+  int nb_args = 0;
+  ExpNature nature;
 
  private:
   friend class ExpHeap;
-  Exp* made_before_ = nullptr;  // the next older node of its heap
-  bool in_arena_ = false;       // with its array of operands
+  // A node in the arena of a heap, with room behind it for its operands and its rank.
+  struct InArena {};
+  Exp(InArena, ExpNature kind, int n, Exp* const* operands, int rank);
+  static size_t size_in_arena(int n, bool is_ranked) {
+    return sizeof(Exp) + sizeof(Exp*) * (static_cast<size_t>(n > 0 ? n - 1 : 0) + is_ranked);
+  }
 
- public:
-  ExpNature nature;
-  int nb_args = 0;
-  Exp** args = nullptr;  // `nb_args` operands; the array is owned, the nodes are the program's
+  Exp** in_place() { return reinterpret_cast<Exp**>(this + 1) - 1; }
+  int* rank_place() const {
+    Exp* node = const_cast<Exp*>(this);
+    return reinterpret_cast<int*>(node->in_place() + (nb_args > 0 ? nb_args : 1));
+  }
+  tamsel::RareFields* rare() const { return reinterpret_cast<tamsel::RareFields*>(first_); }
+  tamsel::RareFields& some_rare();  // made where there are none
+  tamsel::RareFields& add_rare(Exp* const* operands);
+  void drop_idle_rare();
+
+  bool in_arena_ = false;
+  bool is_ranked_ = false;  // has a rank behind its operands
+  bool has_rare_ = false;
+  // The first operand, which the others stand behind; or the rare fields, owned, and the operands
+  // with them.
+  Exp* first_ = nullptr;
 };
 
 // The nodes of a program. Owns them.
@@ -248,11 +268,13 @@ class ExpHeap {
   // How many nodes there were at some time.
   struct Mark {
     size_t size;
-    Exp* newest;
+    Exp* entered;
     tamsel::Arena::Mark arena;
   };
 
   ExpHeap() = default;
+  // With room for `size` bytes of nodes, to begin with.
+  explicit ExpHeap(size_t size) : arena_(size) {}
   ~ExpHeap() { cut_back({0, nullptr, {nullptr, 0}}); }
   ExpHeap(const ExpHeap&) = delete;
   ExpHeap& operator=(const ExpHeap&) = delete;
@@ -261,27 +283,43 @@ class ExpHeap {
   // they need, and are not to be deleted. Throw bad_alloc with nothing changed.
   Exp* node(ExpNature kind, int n, Exp* const* operands, int rank = 0);
   Exp* leaf(ExpNature kind, int symbol, EcType* type, int clock);
+  // A copy of `e`, which is of any heap, with other operands and without annotations. It takes
+  // `size_of_copy` bytes.
+  Exp* copy(const Exp* e, Exp* const* operands);
+  static size_t size_of_copy(const Exp* e) {
+    return Exp::size_in_arena(e->nb_args, e->order() != 0);
+  }
+  static size_t size_of_projection() { return Exp::size_in_arena(1, true); }
   // Takes a node that was made with `new`, and returns it.
   Exp* enter(Exp* e) noexcept;
 
   size_t size() const { return size_; }
-  // Calls `visit` for every node, the newest first.
+  // Calls `visit` for every node, in no certain order.
   template <class Visit>
   void each(Visit visit) {
-    for (Exp* e = newest_; e != nullptr; e = e->made_before_) visit(e);
+    for (Exp* e = entered_; e != nullptr; e = e->rare()->entered_before) visit(e);
+    each_in_arena({nullptr, 0}, visit);
   }
-  Mark mark() const { return {size_, newest_, arena_.mark()}; }
-  // Deletes the nodes made since `mark`. Looks at none of them where all lie in the arena and no
-  // node of the process has something that it owns.
+  Mark mark() const { return {size_, entered_, arena_.mark()}; }
+  // Deletes the nodes made since `mark`. Looks at none of those in the arena where no node there of
+  // the process has rare fields.
   void cut_back(const Mark& mark);
 
  private:
-  void add(Exp* e) noexcept;
+  template <class Visit>
+  void each_in_arena(const tamsel::Arena::Mark& mark, Visit visit) {
+    arena_.each_piece(mark, [visit](char* place, char* end) {
+      while (place != end) {
+        Exp* e = reinterpret_cast<Exp*>(place);
+        place += Exp::size_in_arena(e->nb_args, e->is_ranked_);
+        visit(e);
+      }
+    });
+  }
 
-  tamsel::Arena arena_;
-  Exp* newest_ = nullptr;
+  tamsel::Arena arena_;     // of nodes alone
+  Exp* entered_ = nullptr;  // the newest that was made with `new`
   size_t size_ = 0;
-  size_t entered_ = 0;  // how many do not lie in the arena
 };
 
 #endif

@@ -18,9 +18,10 @@ class Heap {
   Heap(const Heap&) = delete;
   Heap& operator=(const Heap&) = delete;
 
-  // After this, one `enter` cannot fail. Throws bad_alloc.
-  void make_room() {
-    if (records_.size() == records_.capacity()) records_.reserve(2 * records_.size() + 16);
+  // After this, `count` times `enter` cannot fail. Throws bad_alloc.
+  void make_room(size_t count = 1) {
+    if (records_.size() + count > records_.capacity())
+      records_.reserve(2 * records_.size() + count + 16);
   }
   // Takes `record`, for which there must be room.
   void enter(Record* record) noexcept { records_.push_back(record); }

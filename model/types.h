@@ -37,9 +37,12 @@ class EcType {
   // misuse.
   IdentInfo* enum_const(int i);
 
-  int number = 0;                             // rank of a user's type, from 1; 0 for the others
-  int line = 0;                               // of its name in the text read; 0: none
-  IntList* constants = nullptr;               // names of the user constants of this type; owned
+  int number = 0;  // rank of a user's type, from 1; 0 for the others
+  int line = 0;    // of its name in the text read; 0: none
+  // The names of the user constants of this type; owned. Each stands where it is last in the list;
+  // some may be gone.
+  IntList* constants = nullptr;
+  int gone_constants = 0;                     // how many, about
   int nb_enum = 0;                            // constants of an enumerated type
   std::unique_ptr<IdentInfo*[]> enum_consts;  // by rank; the records are the program's
   int is_tuple = 0;

@@ -42,7 +42,8 @@ void walk(Exp* root, Visitor& visitor) {
     }
     path[depth++] = {exp, 0};
     // They come from all over the memory, and the first is asked for at once.
-    for (int i = 0; i < exp->nb_args; ++i) __builtin_prefetch(exp->args[i]);
+    Exp* const* operands = exp->args();
+    for (int i = 0; i < exp->nb_args; ++i) __builtin_prefetch(operands[i]);
   };
   if (visitor.enter(root, nullptr, 0)) open(root);
   while (depth > 0) {
@@ -55,7 +56,7 @@ void walk(Exp* root, Visitor& visitor) {
     }
     const int place = frame.next++;
     if (place > 0) visitor.between(exp, place);
-    Exp* operand = exp->args[place];
+    Exp* operand = exp->args()[place];
     if (operand != nullptr && visitor.enter(operand, exp, place)) open(operand);
   }
 }

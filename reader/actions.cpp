@@ -92,8 +92,19 @@ static void note_equation(IdentInfo* ident, EcPosition place) {
 
 void Reader::forget_names() { std::vector<ListedName>().swap(listed_names_); }
 
-int Reader::intern(const char* text) {
-  return attempt([&] { return YY_Symbols->add_text(text); });
+int Reader::token_symbol() {
+  return attempt([this] { return window_.symbol(); });
+}
+
+// The boot token, or 0. Where memory runs out, the text ends.
+int Reader::fill_window() {
+  bool is_filled = false;
+  const int token = attempt([&] {
+    const int boot = window_.fill();
+    is_filled = true;
+    return boot;
+  });
+  return is_filled ? token : -1;
 }
 
 int Reader::base_clock() { return YY_ecprg->true_clock; }
@@ -136,7 +147,7 @@ void Reader::add_enum_type(int name, IntList* constants, EcPosition place) {
   });
 }
 
-void Reader::add_function(int name, EcValue::Params params, EcValue::Params results,
+void Reader::add_function(int name, RuleValue::Params params, RuleValue::Params results,
                           EcPosition place) {
   std::unique_ptr<IntList> param_names(params.names);
   std::unique_ptr<IntList> param_types(params.types);
@@ -181,16 +192,16 @@ Exp* Reader::reference(int name, EcPosition place) {
   });
 }
 
-Exp* Reader::bool_constant(const char* text) {
-  return attempt([=] { return YY_ecprg->get_bool_const(YY_Symbols->add_text(text)); });
+Exp* Reader::bool_constant() {
+  return attempt([this] { return YY_ecprg->get_bool_const(window_.symbol()); });
 }
 
-Exp* Reader::int_constant(const char* text) {
-  return attempt([=] { return YY_ecprg->get_int_const(YY_Symbols->add_text(text)); });
+Exp* Reader::int_constant() {
+  return attempt([this] { return YY_ecprg->get_int_const(window_.symbol()); });
 }
 
-Exp* Reader::real_constant(const char* text) {
-  return attempt([=] { return YY_ecprg->get_real_const(YY_Symbols->add_text(text)); });
+Exp* Reader::real_constant() {
+  return attempt([this] { return YY_ecprg->get_real_const(window_.symbol()); });
 }
 
 Exp* Reader::unary(ExpNature nature, Exp* a) {

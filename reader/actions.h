@@ -8,9 +8,23 @@
 
 #include <vector>
 
-#include "reader/scanner.h"
+#include "reader/window.h"
 
 namespace tamsel {
+
+// What a rule of the grammar is worth. Tokens are worth nothing here: the rule that reads the text
+// of one is reduced as soon as the token is shifted, while it is still the one taken last.
+union RuleValue {
+  struct Params {
+    IntList* names;
+    IntList* types;
+  };
+  int symbol;
+  IntList* list;
+  Params params;
+  Exp* exp;       // null after an error
+  ExpList* exps;  // the newest first; null after an error
+};
 
 class Reader : public Scanner {
  public:
@@ -18,7 +32,8 @@ class Reader : public Scanner {
 
   // Returns the memory that names took, at the end of a parse.
   void forget_names();
-  int intern(const char* text);
+  // The symbol of the token taken last, which is a name, a number or a word that means itself.
+  int token_symbol();
   int base_clock();
   IntList* new_list(int value);
   // Names with their places, for the operations below. One such list is read at a time.
@@ -33,7 +48,8 @@ class Reader : public Scanner {
   // Takes `constants`, the name list read last.
   void add_enum_type(int name, IntList* constants, EcPosition place);
   // Takes all four lists.
-  void add_function(int name, EcValue::Params params, EcValue::Params results, EcPosition place);
+  void add_function(int name, RuleValue::Params params, RuleValue::Params results,
+                    EcPosition place);
 
   // --- Equations and assertions, which begin at `place`. A null expression is dropped.
 
@@ -45,9 +61,10 @@ class Reader : public Scanner {
   // --- Expressions. Null operands give null. Nodes are entered in the program.
 
   Exp* reference(int name, EcPosition place);  // null, with a message, if it is not declared
-  Exp* bool_constant(const char* text);
-  Exp* int_constant(const char* text);
-  Exp* real_constant(const char* text);
+  // Of the token taken last.
+  Exp* bool_constant();
+  Exp* int_constant();
+  Exp* real_constant();
   Exp* unary(ExpNature nature, Exp* a);
   Exp* binary(ExpNature nature, Exp* a, Exp* b);
   Exp* conditional(Exp* condition, Exp* then, Exp* otherwise);
@@ -57,6 +74,14 @@ class Reader : public Scanner {
   ExpList* and_then(ExpList* list, Exp* e);
   Exp* list_operator(ExpNature nature, ExpList* list);
 
+  // The next token, as ecprg_lex, and where it begins.
+  int next_token(EcPosition* place) {
+    if (window_.is_used_up())
+      if (const int token = fill_window()) return ecprg_char = token;
+    return ecprg_char = window_.next(place);
+  }
+  // ecprg_parse, of a text that begins where the scanner stands.
+  int run_parser();
   void end_parse();
   int parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const char* text);
   // See ecprg_error.
@@ -82,6 +107,8 @@ class Reader : public Scanner {
   auto attempt_at(EcPosition place, Action action) -> decltype(action());
   template <class... Operands>
   Exp* node(ExpNature nature, int rank, Operands... operands);
+  int fill_window();
+  Window window_;
   EcType* type_of_list(std::unique_ptr<IntList>& names);
 
   // The name list that is being read, or was read last.

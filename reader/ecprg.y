@@ -1,11 +1,11 @@
 /* The grammar of EC text: whole files and stand-alone expressions.
 
-   The actions are those of the thread's Reader (reader/actions.h), which also holds the token's text. An expression that could not be built is null, and so
-   is what encloses it. Names and numbers are interned by a rule that has the token alone on its right side:
-   such a rule is reduced without a look at the next token, while ecprg_lval still holds the text. */
+   The actions are those of the thread's Reader (reader/actions.h). An expression that could not be built is null, and so is what
+   encloses it. Names and numbers are interned by a rule that has the token alone on its right side:
+   such a rule is reduced without a look at the next token, while the reader still has the token at hand. */
 
 %define api.prefix {ecprg_}
-%define api.value.type {tamsel::EcValue}
+%define api.value.type {tamsel::RuleValue}
 %define api.pure full
 %param {tamsel::Reader& reader}
 %locations
@@ -37,9 +37,9 @@ using namespace tamsel;
 /* What a rule makes stands where its first token does. */
 #define YYLLOC_DEFAULT(current, right, count) ((current) = (right)[(count) > 0 ? 1 : 0])
 
-/* The token's value stays with the reader: see EcValue. */
-static int ecprg_lex(EcValue*, EcPosition* place, Reader& reader) {
-  const int token = reader.ecprg_char = reader.lex(place);
+/* The token's value stays with the reader: see RuleValue. */
+static int ecprg_lex(RuleValue*, EcPosition* place, Reader& reader) {
+  const int token = reader.next_token(place);
   if (token == -1) reader.token_place = *place;
   return token;
 }
@@ -159,9 +159,9 @@ type_ref
   ;
 
 base_type
-  : "bool" { $$ = reader.intern("bool"); }
-  | "int" { $$ = reader.intern("int"); }
-  | "real" { $$ = reader.intern("real"); }
+  : "bool" { $$ = reader.token_symbol(); }
+  | "int" { $$ = reader.token_symbol(); }
+  | "real" { $$ = reader.token_symbol(); }
   ;
 
 named_type
@@ -170,7 +170,7 @@ named_type
 
 clock
   : ident
-  | "true" { $$ = reader.intern("true"); }
+  | "true" { $$ = reader.token_symbol(); }
   ;
 
 type_decl
@@ -197,7 +197,7 @@ enum_type
   ;
 
 ident
-  : IDENT { $$ = reader.intern(reader.ecprg_lval.text); }
+  : IDENT { $$ = reader.token_symbol(); }
   ;
 
 func_decl
@@ -338,10 +338,10 @@ exp_list_elt
   ;
 
 constant
-  : "true" { $$ = reader.bool_constant("true"); }
-  | "false" { $$ = reader.bool_constant("false"); }
-  | INTCONST { $$ = reader.int_constant(reader.ecprg_lval.text); }
-  | REALCONST { $$ = reader.real_constant(reader.ecprg_lval.text); }
+  : "true" { $$ = reader.bool_constant(); }
+  | "false" { $$ = reader.bool_constant(); }
+  | INTCONST { $$ = reader.int_constant(); }
+  | REALCONST { $$ = reader.real_constant(); }
   ;
 
 %%

@@ -34,13 +34,21 @@ static const bool is_prepared = (prepare_reader(), true);
 bool tamsel::reader_is_busy() { return thread_reader().is_busy; }
 
 void Reader::report_syntax_error(const char* message) {
+  window_.settle();
   if (YY_ecprg != nullptr)
     YY_ecprg->error("%s line %d near '%s'", message, yyline, printLexeme(YY_result));
 }
 
 void ecprg_error(const char* message) { thread_reader().report_syntax_error(message); }
 
-int ecprg_parse() { return ecprg_parse(thread_reader()); }
+int Reader::run_parser() {
+  window_.begin(this, YY_Symbols, YY_ecprg);
+  const int result = ecprg_parse(*this);
+  window_.end();
+  return result;
+}
+
+int ecprg_parse() { return thread_reader().run_parser(); }
 
 void Reader::end_parse() {
   YY_ecprg = nullptr;
@@ -67,8 +75,8 @@ int Reader::parse(EcPrg* prg, SymbolTable* symbols, int boot, FILE* f, const cha
   {
     const Turn turn{*this};
     is_busy = true;  // before the first character is read
-    start_scan(boot, f, text);
-    result = ecprg_parse(*this);
+    start_scan(boot, f, text, true);
+    result = run_parser();
   }
   ecprg_nerrs = result == 1;  // the first ends the parse
   if (out_of_memory) throw std::bad_alloc();

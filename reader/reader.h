@@ -22,30 +22,9 @@ struct EcPosition {
   int column;  // from 1
 };
 
-// What a token or a rule of the grammar is worth. Tokens fill `text`, rules any of the others. A
-// value that moves on the parser's stack takes along what rules produce and leaves a token's text
-// behind: the rule that reads the text is reduced as soon as the token is shifted, while it still
-// stands in ecprg_lval.
+// What a token is worth: its text.
 struct EcValue {
-  EcValue() = default;
-  EcValue(const EcValue& other) { *this = other; }
-  EcValue& operator=(const EcValue& other) {
-    params = other.params;
-    return *this;
-  }
-
-  struct Params {
-    IntList* names;
-    IntList* types;
-  };
-  union {
-    char text[text_room];
-    int symbol;
-    IntList* list;
-    Params params;
-    Exp* exp;       // null after an error
-    ExpList* exps;  // the newest first; null after an error
-  };
+  char text[text_room];
 };
 
 }  // namespace tamsel
@@ -97,6 +76,10 @@ int yylexInitString(int boot, const char* text);
 int GetChar(int* c);
 // The next token; -1 at the end and after a lexical error, which is reported.
 int ecprg_lex();
+// Whether a text is a name of the language, which is no keyword and which a text can hold.
+namespace tamsel {
+bool is_name(const char* text);
+}
 // A token as text, for messages; valid until the next call or token.
 const char* printLexeme(int token);
 

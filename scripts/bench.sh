@@ -5,18 +5,21 @@
 #
 # A ratio is against something run beside it on the same bytes, and each time is the median of five, in
 # processor time. All runs under a machine stack of 8 MB. With --check the sizes are few and small, and
-# the status is 1 where a cost grows faster than the program; no time is judged.
+# the status is 1 where a cost grows faster than the program, or memory is beyond its goal; no time is
+# judged.
 set -euo pipefail
 
 sizes=(100 1000 10000 100000 1000000)
 repetitions=5
 wide=(50000 100000 200000)
+objects=100000
 check=
 if [[ ${1:-} == --check ]]; then
   check=--check
   sizes=(2000 100000)
   repetitions=3
   wide=(50000 200000)
+  objects=5000
   shift
 fi
 (($# == 0)) || sizes=("$@")
@@ -45,11 +48,12 @@ measure() {  # NAME SIZE FILTER
 load_fresh() {  # NAME
   for ((i = 0; i < repetitions; ++i)); do
     $products/bench/bench_core "$results/$1.ec" --once 2>/dev/null
+    $products/bench/plain "$results/$1.ec" || true  # a chain is too deep for it
   done >"$results/$1-once.csv"
 }
 
 measure_all() {
-  local size shape inputs
+  local size shape inputs which
   rm -rf "$results"
   mkdir -p "$results"
   for size in "${sizes[@]}"; do
@@ -58,6 +62,12 @@ measure_all() {
     load_fresh "$size"
     measure "$size" "$size" .
   done
+  if [[ -n $check ]]; then
+    for size in "${sizes[@]}"; do
+      generate "scattered-$size" "$size" scattered
+      measure "scattered-$size" "$size" '^(load|interned)$'
+    done
+  fi
   for shape in ordinary colliding; do
     generate $shape "$shape_size" $shape
     measure $shape "$shape_size" '^(load|interned|tokens|bytes)$'
@@ -77,6 +87,9 @@ measure_all() {
   done
   scripts/with-display.sh tclsh8.6 bench/commands.tcl $products/libdorvik.so \
     $products/bench/libminimal.so "$results" "${sizes[@]}" >"$results/commands.csv" 2>/dev/null
+  for which in small loaded; do
+    scripts/with-display.sh tclsh8.6 bench/objects.tcl $products/libdorvik.so "$results" "$objects" $which
+  done >"$results/objects.csv" 2>/dev/null
   rm -f "$results"/*.ec
 }
 report() {

@@ -2,7 +2,8 @@
 # scripts/build.sh PRESET [TARGET...]: configures a preset of CMakePresets.json in build/PRESET, and builds
 # the targets, or all of it.
 #
-# Prints nothing but the log of a step that fails.
+# Prints nothing but the log of a step that fails. Where TAMSEL_WERROR is ON in the environment, the compiler's
+# warnings are errors in every preset; else only in those of developers, as a newer compiler has new ones.
 set -euo pipefail
 
 if (($# == 0)); then
@@ -23,7 +24,7 @@ grep -qxF -- "$preset" <<<"$presets" ||
   fail "there is no preset '$preset'; the presets are: $(paste -sd ' ' <<<"$presets")"
 mkdir -p "build/$preset" 2>/dev/null && [[ -w build/$preset ]] ||
   fail "cannot write into $PWD/build/$preset, where products go; let this user write there, or work in a copy of the sources"
-scripts/quietly.sh cmake --preset "$preset" ||
+scripts/quietly.sh cmake --preset "$preset" ${TAMSEL_WERROR:+-D "TAMSEL_WERROR=$TAMSEL_WERROR"} ||
   fail "could not configure preset $preset, as said above; if the sources have moved or another compiler was here, remove build/$preset and try again"
 scripts/quietly.sh cmake --build --preset "$preset" ${targets:+--target "${targets[@]}"} ||
   fail "preset $preset did not build, as said above"

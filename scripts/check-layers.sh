@@ -15,7 +15,8 @@ layers='
   reader      foundation model
   writers     foundation model
   analysis    foundation model writers
-  tcl         foundation model reader writers analysis
+  editing     foundation model reader writers analysis
+  tcl         foundation model reader writers analysis editing
 '
 
 folders=$(awk 'NF {print $1}' <<<"$layers")

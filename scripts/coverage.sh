@@ -10,7 +10,7 @@ scripts/setup.sh build coverage
 rm -rf build/coverage
 ./test.sh --preset coverage
 
-for layer in foundation model reader writers tcl; do filters+=(--filter "$layer/"); done
+for layer in foundation model reader writers analysis editing tcl; do filters+=(--filter "$layer/"); done
 gcovr --root . --object-directory build/coverage "${filters[@]}" \
   --exclude-throw-branches --exclude-unreachable-branches --sort-percentage \
   --fail-under-line 97 --fail-under-branch 90 --print-summary "$@"

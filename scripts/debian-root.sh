@@ -83,7 +83,7 @@ enter='
   mount --bind "$build" "$root/tamsel/build"
   exec chroot "$root" "$@"'
 variables=(PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8)
-for variable in CI TERM http_proxy https_proxy no_proxy; do
+for variable in CI TAMSEL_WERROR TERM http_proxy https_proxy no_proxy; do
   [[ -z ${!variable+set} ]] || variables+=("$variable=${!variable}")
 done
 unshare --mount bash -c "$enter" - "$root" "$tree" "$tree/build/$release" \

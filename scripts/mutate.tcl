@@ -103,16 +103,18 @@ proc succeeds {seconds args} {
         ulimit -v 4000000 && ulimit -t $1 && seconds=$(($1 * 10)) && shift && exec nice -n 19 timeout -k 5 $seconds "$@"
     } - $seconds {*}$args < /dev/null >& $::log}]}
 }
-proc builds {target} {succeeds 600 ninja -C $::build -j 1 $target}
+proc builds {targets} {succeeds 600 ninja -C $::build -j 1 {*}$targets}
 
 # What becomes of the tree as it stands: "not built", "caught by ..." or "survived". The quickest tests come first.
 proc verdict {} {
-    foreach target {unit_tests properties_test dorvik} steps {
-        {{unit_tests 30 tests/unit_tests --gtest_fail_fast --gtest_brief=1}}
-        {{properties_test 60 tests/properties_test --gtest_fail_fast --gtest_brief=1}}
-        {{Tcl 60 ctest --stop-on-failure -R ^tcl -E {browser|soak}}}
+    foreach {targets steps} {
+        unit_tests  {{unit_tests 30 tests/unit_tests --gtest_fail_fast --gtest_brief=1}}
+        {replay_expression replay_file replay_roundtrip}  {{replays 60 ctest --stop-on-failure -R ^replay}}
+        analysis_test  {{analysis_test 60 tests/analysis_test --gtest_fail_fast --gtest_brief=1}}
+        properties_test  {{properties_test 60 tests/properties_test --gtest_fail_fast --gtest_brief=1}}
+        dorvik  {{Tcl 60 ctest --stop-on-failure -R ^tcl -E {browser|soak}}}
     } {
-        if {![builds $target]} {return "not built"}
+        if {![builds $targets]} {return "not built"}
         foreach step $steps {
             set command [lassign $step name seconds]
             if {![succeeds $seconds env -C $::build {*}$command]} {
@@ -151,7 +153,7 @@ while {[string match --* [lindex $files 0]]} {
 }
 set source [file dirname [file dirname [file normalize [info script]]]]
 cd $source
-if {$files eq {}} {set files [glob {{foundation,model,reader,writers,tcl}/*.{cpp,h}}]}
+if {$files eq {}} {set files [glob {{foundation,model,reader,writers,analysis,editing,tcl}/*.{cpp,h}}]}
 set changes [concat {*}[lmap file [lsort $files] {changes_of $source $file}]]
 puts "[llength $changes] changes can be made"
 set changes [draw $changes [dict get $options --seed] [dict get $options --count]]
@@ -171,8 +173,8 @@ exec sh -c {git ls-files -z --cached --others --exclude-standard | tar -c --null
 # A test that hangs is one that notices.
 write_file $tree/tests/CMakeLists.txt [string map {{TIMEOUT 300} {TIMEOUT 120}} [read_file $tree/tests/CMakeLists.txt]]
 set env(QUAREL_INSTALL) $tree
-if {![succeeds 60 cmake -S $tree -B $build -G Ninja -DCMAKE_BUILD_TYPE=None -DTAMSEL_WERROR=OFF \
-    -DCMAKE_CXX_FLAGS=-O0 -DCMAKE_EXPORT_COMPILE_COMMANDS=ON] || ![builds faults] || [set unchanged [verdict]] ne "survived"} {
+if {![succeeds 60 cmake -S $tree -B $build -G Ninja -DCMAKE_BUILD_TYPE=None \
+    -DCMAKE_CXX_FLAGS=-O0 -DCMAKE_EXPORT_COMPILE_COMMANDS=ON] || ![builds {faults threads}] || [set unchanged [verdict]] ne "survived"} {
     puts [read_file $log]
     puts stderr "mutate: the tests fail without any change"
     exit 1

@@ -115,6 +115,10 @@ bool is_sigint_thread() {
   return life.is_for_sigint;
 }
 
+// How many want Ctrl-C to wait, on the thread that it is for, and whether it does.
+volatile std::sig_atomic_t ctrl_c_holds = 0;
+volatile std::sig_atomic_t ctrl_c_waits = 0;
+
 // Evaluates the script inside the signal handler: an application that computes for hours without
 // entering the event loop can be stopped all the same. The system may have stopped any thread for
 // it.
@@ -122,6 +126,8 @@ void DORVIK_general_sigint(int) {
   const int error = errno;
   if (has_sigint_thread && pthread_equal(pthread_self(), sigint_thread) == 0)
     pthread_kill(sigint_thread, SIGINT);
+  else if (has_sigint_thread && ctrl_c_holds > 0)
+    ctrl_c_waits = 1;
   else if (has_sigint_thread && last_dorvik != nullptr)
     last_dorvik->run_sigint_script();
   std::signal(SIGINT, DORVIK_general_sigint);
@@ -216,6 +222,18 @@ Dorvik::Dorvik(Tcl_Interp* served) : interp(served), programs(nullptr), previous
 
 Dorvik::~Dorvik() = default;
 
+CtrlCWaits::CtrlCWaits() {
+  if (is_sigint_thread()) ctrl_c_holds = ctrl_c_holds + 1;
+}
+
+CtrlCWaits::~CtrlCWaits() {
+  if (!is_sigint_thread()) return;
+  ctrl_c_holds = ctrl_c_holds - 1;
+  if (ctrl_c_holds > 0 || ctrl_c_waits == 0) return;
+  ctrl_c_waits = 0;
+  std::raise(SIGINT);
+}
+
 int Dorvik::error(const char* format, ...) {
   va_list args;
   va_start(args, format);
@@ -236,10 +254,17 @@ int Dorvik::cmd_error(const char* command, const char* format, ...) {
 }
 
 int Dorvik::create_ecprg(const char* name, int nparams, const char* params[]) {
-  // Made whole before an object of that name is deleted: from there on nothing runs out of memory.
   auto fresh = std::make_unique<EcPrgVar>(this);
+  EcPrgVar* object = fresh.get();
   const bool has_node = nparams <= 1;
   if (has_node) fresh->make_node(nparams == 1 ? params[0] : tail_of(name));
+  if (create_ecprg(name, std::move(fresh)) != TCL_OK) return TCL_ERROR;
+  if (!has_node) object->call("init", nparams, params);
+  return TCL_OK;
+}
+
+// The object is whole before one of that name is deleted: from there on nothing runs out of memory.
+int Dorvik::create_ecprg(const char* name, std::unique_ptr<EcPrgVar> fresh) {
   if (!make_way(interp, name)) return creation_error(interp, name);
   EcPrgVar* object = fresh.get();
   Tcl_Command command = Tcl_CreateCommand(interp, name, ECPRG_call, object, ECPRG_delete);
@@ -248,10 +273,7 @@ int Dorvik::create_ecprg(const char* name, int nparams, const char* params[]) {
   programs = EcPrgVar::add(programs, fresh.release());
   Verbose("creation of : %s\n", object->command_name());
   print_ecprgs();
-  if (has_node)
-    object->report_program(object->command_name(), "initialized");
-  else
-    object->call("init", nparams, params);
+  if (object->prg != nullptr) object->report_program(object->command_name(), "initialized");
   return TCL_OK;
 }
 

@@ -46,6 +46,8 @@ class Dorvik {
   // command. Extra `params` leave it without a program, and init's error text as the result of a
   // call that succeeds.
   int create_ecprg(const char* name, int nparams, const char* params[]);
+  // The same for an object that is made already, whose node is in it; says so as for a new one.
+  int create_ecprg(const char* name, std::unique_ptr<EcPrgVar> fresh);
   // Takes `p` off the list; returns the new head.
   EcPrgVar* remove_ecprg(EcPrgVar* p);
   // Prints the names of the live program objects at verbosity level 2.
@@ -71,6 +73,15 @@ class Dorvik {
 
 // The newest one of the thread that loaded the library first. SIGINT is its.
 extern Dorvik* last_dorvik;
+
+// As long as one lives, the script of Ctrl-C waits: a change of a program is done as a whole.
+class CtrlCWaits {
+ public:
+  CtrlCWaits();
+  ~CtrlCWaits();
+  CtrlCWaits(const CtrlCWaits&) = delete;
+  CtrlCWaits& operator=(const CtrlCWaits&) = delete;
+};
 
 // strtol in base 10. Returns 0, or 1 where `text` does not begin with a number.
 int monatoi(const char* text, int* value);

@@ -1,4 +1,4 @@
-// The commands of the ensemble.
+// The commands of the ensemble that ask.
 
 #include <iterator>
 
@@ -11,29 +11,6 @@
 #include "tcl/syntax_error.h"
 
 namespace tamsel {
-
-// clang-format off
-const Subcommand subcommands[] = {
-    // word, handler, words from, to, usage, needs a program
-    {"assertions", &Question::assertions, 0, 0, "program", true},
-    {"check", &Question::check_program, 0, 2, "program ?-only kinds?", true},
-    {"clock", &Question::clock, 1, 1, "program expression", true},
-    {"cone", &Question::cone, 1, -1,
-        "program names ?-direction needs|users? ?-depth count? ?-now?", true},
-    {"definition", &Question::definition, 1, 3, "program name ?-as text|full|tree?", true},
-    {"describe", &Question::describe_name, 1, 1, "program name", true},
-    {"format", &Question::format, 1, 3, "program expression ?-as text|full|tree?", true},
-    {"messages", &Question::messages, 0, 0, "program", true},
-    {"names", &Question::names, 0, -1,
-        "program ?-kind kind? ?-type type? ?-clock name? ?-defined boolean? ?--? ?pattern?", true},
-    {"needs", &Question::needs, 1, 2, "program name ?-now?", true},
-    {"read", &Question::read, 1, 1, "program text", false},
-    {"text", &Question::text, 0, 2, "program ?-format quarel|ec|json?", true},
-    {"type", &Question::type, 1, 1, "program expression", true},
-    {"users", &Question::users, 1, 2, "program name ?-now?", true},
-};
-// clang-format on
-const int subcommand_count = sizeof subcommands / sizeof subcommands[0];
 
 // --- Names.
 
@@ -124,7 +101,7 @@ int Question::describe_name() {
     else
       dict.add(name(ident->clock));
   }
-  dict.add(shared.index).add(number(described.index()));
+  dict.add(shared.index).add(number(described.index(prg_)));
   dict.add(shared.equation).add(number(described.has_equation()));
   dict.add(shared.with).add(list_of(with));
   dict.add(shared.line).add(number(described.line()));
@@ -194,7 +171,7 @@ int Question::users() {
   Description described;
   bool now;
   if (find_name(word(0), &described) != TCL_OK || read_now(1, &now) != TCL_OK) return TCL_ERROR;
-  return give_names(fresh_users().of(described.symbol, now));
+  return give_names(users_of_names().of(described.symbol, now));
 }
 
 int Question::cone() {
@@ -215,7 +192,7 @@ int Question::cone() {
     return TCL_ERROR;
   std::vector<int> names;
   if (read_names(word(0), &names) != TCL_OK) return TCL_ERROR;
-  if (direction == 1) asked.users = &fresh_users();
+  if (direction == 1) asked.users = &users_of_names();
   ListValue dict;
   for (const Reached& reached : cone_of(prg_, names, asked))
     dict.add(name(reached.symbol)).add(number(reached.distance));
@@ -243,26 +220,30 @@ int Question::assertions() {
   return give(list.get());
 }
 
-int Question::text() {
+int Question::read_program_text(int first, std::string* text) {
   static const Option options[] = {{"-format", true}, {nullptr, false}};
   static const char* const formats[] = {"quarel", "ec", "json", nullptr};
   int format = 0;
-  if (read_options(0, options, [&](int, Tcl_Obj* value) {
+  if (read_options(first, options, [&](int, Tcl_Obj* value) {
         return read_word(value, formats, "format", &format);
       }) != TCL_OK)
     return TCL_ERROR;
-  std::string text;
   if (format == 2) {
-    write_json(prg_, &text);
-    return give_text(text);
+    write_json(prg_, text);
+    return TCL_OK;
   }
-  PtyStream out(&text, 80, nullptr);
+  PtyStream out(text, 80, nullptr);
   if (format == 0)
     prg_->print_quarel(&out);
   else
     prg_->print_source(&out);
   out.close();
-  return give_text(text);
+  return TCL_OK;
+}
+
+int Question::text() {
+  std::string text;
+  return read_program_text(0, &text) == TCL_OK ? give_text(text) : TCL_ERROR;
 }
 
 int Question::messages() {

@@ -9,6 +9,43 @@
 
 namespace tamsel {
 
+// clang-format off
+const Subcommand subcommands[] = {
+    // word, handler, words from, to, usage, what it wants
+    {"assert", &Question::assert_expression, 1, 1, "program expression", Wants::change},
+    {"assertions", &Question::assertions, 0, 0, "program", Wants::program},
+    {"check", &Question::check_program, 0, 2, "program ?-only kinds?", Wants::program},
+    {"clock", &Question::clock, 1, 1, "program expression", Wants::program},
+    {"cone", &Question::cone, 1, -1,
+        "program names ?-direction needs|users? ?-depth count? ?-now?", Wants::program},
+    {"copy", &Question::copy, 1, 1, "program newProgram", Wants::program},
+    {"declare", &Question::declare, 2, -1,
+        "program kind ?arg ...?", Wants::change},
+    {"define", &Question::define, 2, 2, "program names expression", Wants::change},
+    {"definition", &Question::definition, 1, 3,
+        "program name ?-as text|full|tree?", Wants::program},
+    {"describe", &Question::describe_name, 1, 1, "program name", Wants::program},
+    {"format", &Question::format, 1, 3, "program expression ?-as text|full|tree?", Wants::program},
+    {"messages", &Question::messages, 0, 0, "program", Wants::program},
+    {"names", &Question::names, 0, -1,
+        "program ?-kind kind? ?-type type? ?-clock name? ?-defined boolean? ?--? ?pattern?",
+        Wants::program},
+    {"needs", &Question::needs, 1, 2, "program name ?-now?", Wants::program},
+    {"read", &Question::read, 1, 1, "program text", Wants::object},
+    {"remove", &Question::remove, 1, -1, "program name ?name ...?", Wants::change},
+    {"rename", &Question::rename, 2, -1, "program old new ?old new ...?", Wants::change},
+    {"retract", &Question::retract, 1, -1, "program index ?index ...?", Wants::change},
+    {"substitute", &Question::substitute, 2, 4,
+        "program name expression ?-in names?", Wants::change},
+    {"text", &Question::text, 0, 2, "program ?-format quarel|ec|json?", Wants::program},
+    {"type", &Question::type, 1, 1, "program expression", Wants::program},
+    {"undefine", &Question::undefine, 1, -1, "program name ?name ...?", Wants::change},
+    {"users", &Question::users, 1, 2, "program name ?-now?", Wants::program},
+    {"write", &Question::write, 1, 3, "program file ?-format quarel|ec|json?", Wants::program},
+};
+// clang-format on
+const int subcommand_count = sizeof subcommands / sizeof subcommands[0];
+
 Ensemble::Ensemble(Tcl_Interp* served) : interp(served) {
   constexpr const char* name = "::tamsel";
   Tcl_Namespace* space = Tcl_FindNamespace(interp, name, nullptr, TCL_GLOBAL_ONLY);
@@ -43,6 +80,12 @@ int Question::answer() {
       (row_.max_words >= 0 && word_count() > row_.max_words))
     return usage_error();
   if (find_object() != TCL_OK) return TCL_ERROR;
+  if (row_.wants != Wants::change) return (this->*row_.handler)();
+  if (object_->calls > 1) {
+    const char* text = Tcl_GetString(objv_[1]);
+    return fail({{"STATE", "BUSY"}}, std::string("'") + text + "' is in use");
+  }
+  const CtrlCWaits waits;
   return (this->*row_.handler)();
 }
 
@@ -122,7 +165,7 @@ int Question::find_object() {
     return fail({{"LOOKUP", "OBJECT", text}}, std::string("'") + text + "' is no program object");
   }
   object_->begin_call();
-  if (object_->prg == nullptr && row_.needs_program) {
+  if (object_->prg == nullptr && row_.wants != Wants::object) {
     const char* text = Tcl_GetString(word);
     return fail({{"STATE", "PROGRAM", text}}, std::string("'") + text + "' has no program");
   }
@@ -141,6 +184,8 @@ int Question::find_name(Tcl_Obj* word, Description* found) {
 int Question::find_expression(Tcl_Obj* word, Exp** e) {
   const char* text = Tcl_GetString(word);
   *e = object_->string2exp(text);
+  if (*e != nullptr && object_->is_stale(text))
+    return fail({{"STATE", "HANDLE", text}}, stale_message);
   if (*e != nullptr) return TCL_OK;
   guest_.emplace(object_);
   *e = prg_->exp_read(text);
@@ -154,12 +199,6 @@ int Question::refuse_expression() {
   if (prg_->exp_refusal == ExpRefusal::busy) return fail({{"STATE", "BUSY"}}, message);
   if (prg_->exp_refusal == ExpRefusal::name) return fail({{"LOOKUP", "IDENT", message}}, message);
   return fail({{"TYPE", "EXPRESSION", message}}, message);
-}
-
-const Users& Question::fresh_users() {
-  if (object_->users == nullptr || !object_->users->is_fresh())
-    object_->users = std::make_unique<Users>(prg_);
-  return *object_->users;
 }
 
 // --- Answers.

@@ -1,7 +1,8 @@
-// tcl/ensemble.h: the ensemble `tamsel`, whose commands ask for every part of a program.
+// tcl/ensemble.h: the ensemble `tamsel`, whose commands ask for every part of a program and change
+// it.
 //
-// They print nothing, and what they make of their own (names, nodes) is gone when they answer. They
-// answer, or fail with a text and an errorCode.
+// They print nothing, and what they make for the question alone (names, nodes) is gone when they
+// answer. They answer, or fail with a text and an errorCode, and then nothing has changed.
 #ifndef TCL_ENSEMBLE_H
 #define TCL_ENSEMBLE_H
 
@@ -20,14 +21,21 @@ namespace tamsel {
 
 class Question;
 
+// What a command asks of the object that it is given.
+enum class Wants {
+  object,   // with or without a program
+  program,  // that is in it
+  change,   // one that no other call is working on
+};
+
 // One of the commands.
 struct Subcommand {
   const char* word;
   int (Question::*handler)();
-  int min_words;       // after the object's name
-  int max_words;       // -1: any number
-  const char* usage;   // of all its words
-  bool needs_program;  // in the object
+  int min_words;      // after the object's name
+  int max_words;      // -1: any number
+  const char* usage;  // of all its words
+  Wants wants;
 };
 
 // The one table of them.
@@ -79,13 +87,11 @@ class Guest {
         prg_(object->prg.get()),
         mark_(prg_->mark()),
         names_(prg_->symbols->nb_symbols),
-        collisions_(prg_->symbols->tape->coll_max),
         others_(count_others()) {}
   ~Guest() {
     if (object_->prg.get() != prg_ || count_others() != others_) return;
     prg_->roll_back(mark_);
     prg_->symbols->cut_back(names_);
-    prg_->symbols->tape->coll_max = collisions_;
   }
   Guest(const Guest&) = delete;
   Guest& operator=(const Guest&) = delete;
@@ -101,7 +107,6 @@ class Guest {
   EcPrg* prg_;
   EcPrg::Mark mark_;
   int names_;
-  int collisions_;
   size_t others_;
 };
 
@@ -134,6 +139,17 @@ class Question {
   int messages();
   int check_program();
   int read();
+
+  int declare();
+  int define();
+  int undefine();
+  int assert_expression();
+  int retract();
+  int rename();
+  int remove();
+  int substitute();
+  int copy();
+  int write();
 
  private:
   struct Option {
@@ -182,7 +198,20 @@ class Question {
   Tcl_Obj* number(int value) const;
   Tcl_Obj* list_of(const std::vector<int>& names) const;
   Tcl_Obj* list_of(const std::vector<Parameter>& parameters) const;
-  const Users& fresh_users();
+  Users& users_of_names() { return object_->program_editor().users(); }
+  // The whole program in the format of the options from word `first` on.
+  int read_program_text(int first, std::string* text);
+
+  // Of words that need not be names yet.
+  int read_texts(Tcl_Obj* list, const char* what, std::vector<std::string>* texts);
+  int declare_variable(NameKind kind);
+  int declare_type();
+  int declare_function();
+  int read_parameters(Tcl_Obj* list, std::vector<Editor::Parameter>* parameters);
+  // The expression that a word is, ready to go into the program; the text is taken back.
+  int read_draft(Tcl_Obj* word, size_t names, std::optional<Draft>* draft);
+  // Empty, or the error of an edit that was refused.
+  int outcome(bool is_done);
 
   Ensemble* const ensemble_;
   Tcl_Interp* const interp_;

@@ -17,6 +17,14 @@ int EcPrgVar::built_new_ident(const char* prefix) {
   return symbols->add("%s%d", prefix, new_ident_count);
 }
 
+// Interns a name that was not there; false where it was, and is not one that has gone.
+bool EcPrgVar::take_name(const char* word, int* symbol) {
+  if (symbols->find_then_add(symbol, "%s", formatted_name(word).c_str()) == 0) return true;
+  if (!prg->is_retired(*symbol)) return false;
+  prg->set_retired(*symbol, false);
+  return true;
+}
+
 int EcPrgVar::used_name_error(const Operation& operation, const char* word) {
   return call_error({{"LOOKUP", "USED", word}}, "%s %s : already used identifier '%s'",
                     command_name(), operation.word, word);
@@ -37,10 +45,11 @@ int EcPrgVar::addvar(const Operation& operation, int nparams, const char* params
   int symbol;
   if (nparams == 1)
     symbol = built_new_ident("_XX");
-  else if (symbols->find_then_add(&symbol, "%s", formatted_name(params[1]).c_str()) != 0)
+  else if (!take_name(params[1], &symbol))
     return used_name_error(operation, params[1]);
 
   operation.section->add_variable(prg.get(), symbol, type);
+  if (editor != nullptr) editor->note_declaration(symbol);
   const char* name = symbols->name(symbol);
   Verbose(2, "=> %s %s : %s\n", operation.word, name, params[0]);
   return text_result(name);
@@ -48,8 +57,7 @@ int EcPrgVar::addvar(const Operation& operation, int nparams, const char* params
 
 int EcPrgVar::addfunc(const Operation& operation, int nparams, const char* params[]) {
   int symbol;
-  if (symbols->find_then_add(&symbol, "%s", formatted_name(params[0]).c_str()) != 0)
-    return used_name_error(operation, params[0]);
+  if (!take_name(params[0], &symbol)) return used_name_error(operation, params[0]);
 
   // From here on the name stays taken, also when a later step fails.
   std::vector<int> types[2];  // inputs, outputs
@@ -69,6 +77,7 @@ int EcPrgVar::addfunc(const Operation& operation, int nparams, const char* param
   EcType* result = prg->define_type(types[1].data(), 1);
   EcType* param = prg->define_type(types[0].data(), static_cast<int>(types[0].size()));
   prg->add_usr_func(symbol, param, result, nullptr, nullptr);
+  if (editor != nullptr) editor->note_declaration(symbol);
   const char* name = symbols->name(symbol);
   Verbose(2, "=> %s %s \n", operation.word, name);
   return text_result(name);
@@ -77,7 +86,10 @@ int EcPrgVar::addfunc(const Operation& operation, int nparams, const char* param
 // Finds the expression that `word` is: a handle of this object, or else a text.
 int EcPrgVar::find_exp(const Operation& operation, const char* word, Exp** e) {
   *e = string2exp(word);
-  return *e != nullptr ? TCL_OK : parse_exp(operation, word, e);
+  if (*e == nullptr) return parse_exp(operation, word, e);
+  if (!is_stale(word)) return TCL_OK;
+  return call_error({{"STATE", "HANDLE", word}}, "%s %s : %s", command_name(), operation.word,
+                    stale_message);
 }
 
 int EcPrgVar::parse_exp(const Operation& operation, const char* text, Exp** e) {
@@ -111,7 +123,7 @@ int EcPrgVar::equation(const Operation& operation, int, const char* params[]) {
   const char* name = params[0];
   const ErrorCode bad_name = {{"LOOKUP", "IDENT", name}};
   const int symbol = symbols->find_text(formatted_name(name).c_str());
-  if (symbol == 0)
+  if (symbol == 0 || prg->is_retired(symbol))
     return call_error(bad_name, "%s %s : undeclared identifier '%s'", command_name(),
                       operation.word, name);
   const IdentInfo* ident = prg->ident(symbol);

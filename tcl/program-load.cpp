@@ -15,18 +15,18 @@ using namespace tamsel;
 
 void EcPrgVar::install(Program program) {
   if (calls > 1) {
-    *program.place = {std::move(exp_names), std::move(symbols), std::move(prg), std::move(users),
+    *program.place = {std::move(exp_names), std::move(symbols), std::move(prg), std::move(editor),
                       std::move(replaced)};
     replaced = std::move(program.place);
   }
-  users.reset();
+  editor.reset();
   prg = std::move(program.prg);
   symbols = std::move(program.symbols);
   exp_names.reset();
   handled_exps.clear();
+  sound_handles.clear();
   grown_texts.clear();
   new_ident_count = 0;
-  input_index = output_index = local_index = function_index = IntListIndex();
 }
 
 void EcPrgVar::report_program(const char* what, const char* done) {

@@ -34,8 +34,7 @@ int EcPrgVar::select(const Operation& operation, const char* index, int* symbol)
   long i;
   if (!read_index(index, &i)) return usage_error(operation);
   const Section& section = *operation.section;
-  if (i > INT_MAX || i < 0 ||
-      (this->*section.index).extract(prg.get()->*section.names, static_cast<int>(i), symbol) != 0)
+  if (i > INT_MAX || i < 0 || prg->name_at(section.list, static_cast<int>(i), symbol) != 0)
     return call_error({{"LOOKUP", "INDEX", index}}, "%s %s : index out of bounds", command_name(),
                       operation.word);
   return TCL_OK;

@@ -7,21 +7,21 @@
 
 #include "foundation/errors.h"
 #include "foundation/wordindex.h"
+#include "model/walk.h"
 
 using namespace tamsel;
 
 static const Section inputs = {
-    &EcPrg::inputs, &EcPrg::nb_inputs, &EcPrgVar::input_index,
+    NameList::inputs, &EcPrg::nb_inputs,
     [](EcPrg* prg, int name, EcType* type) { prg->add_input(name, type, prg->true_clock); }};
 static const Section outputs = {
-    &EcPrg::outputs, &EcPrg::nb_outputs, &EcPrgVar::output_index,
+    NameList::outputs, &EcPrg::nb_outputs,
     [](EcPrg* prg, int name, EcType* type) { prg->add_output(name, type, prg->true_clock, 0); }};
 static const Section locals = {
-    &EcPrg::locals, &EcPrg::nb_locals, &EcPrgVar::local_index,
+    NameList::locals, &EcPrg::nb_locals,
     [](EcPrg* prg, int name, EcType* type) { prg->add_local(name, type, prg->true_clock); }};
-static const Section assertions = {&EcPrg::assertions, &EcPrg::nb_assertions};
-static const Section functions = {&EcPrg::functions, &EcPrg::nb_functions,
-                                  &EcPrgVar::function_index};
+static const Section assertions = {NameList::assertions, &EcPrg::nb_assertions};
+static const Section functions = {NameList::functions, &EcPrg::nb_functions};
 
 // clang-format off
 constexpr Operation operations[] = {
@@ -223,4 +223,39 @@ Exp* EcPrgVar::string2exp(const char* handle) {
   // As it stands: a text that means another name has a '%', which no handle has.
   const int number = exp_names != nullptr ? exp_names->find_text(handle) : 0;
   return number != 0 ? handled_exps[static_cast<size_t>(number) - 1] : nullptr;
+}
+
+namespace {
+
+// Looks for a name that is gone. One that was declared again is another one.
+struct StaleVisitor : ExpVisitor {
+  explicit StaleVisitor(EcPrg* program) : prg(program) {}
+
+  bool enter(Exp* exp, Exp*, int) {
+    if (exp->nb_args == 0) {
+      const IdentInfo* ident = prg->ident(exp->ident);
+      is_stale |= ident == nullptr || ident->ident_exp != exp;
+    } else if (exp->nature == CALL_n) {
+      const FuncInfo* function = prg->function(exp->order());
+      is_stale |= function == nullptr || function->result_type != exp->type ||
+                  function->param_type != exp->args()[0]->type;
+    }
+    return !is_stale;
+  }
+
+  EcPrg* prg;
+  bool is_stale = false;
+};
+
+}  // namespace
+
+bool EcPrgVar::is_stale(const char* handle) {
+  if (prg->removals == 0) return false;
+  const size_t place = static_cast<size_t>(exp_names->find_text(handle)) - 1;
+  sound_handles.resize(handled_exps.size());
+  if (sound_handles[place] == prg->removals) return false;
+  StaleVisitor visitor(prg.get());
+  walk(handled_exps[place], visitor);
+  if (!visitor.is_stale) sound_handles[place] = prg->removals;
+  return visitor.is_stale;
 }

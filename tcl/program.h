@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "analysis/users.h"
+#include "editing/editor.h"
 #include "foundation/text.h"
 #include "model/ecprg.h"
 #include "tcl/dorvik.h"
@@ -76,6 +76,9 @@ class EcPrgVar {
   // The expression of a handle that this object has issued for its present program; null for any
   // other text.
   Exp* string2exp(const char* handle);
+  // Whether what a handle of this object stands for mentions a name that was removed. Looks at it
+  // once after each removal.
+  bool is_stale(const char* handle);
 
   // The operations, each for the rows of the table that name it. `params` are the words after the
   // operation's; their number has been checked, and that there is a program where one is needed.
@@ -102,25 +105,24 @@ class EcPrgVar {
   std::unique_ptr<SymbolTable> symbols;    // null where there is no program
   std::unique_ptr<EcPrg> prg;              // null only after an ecprg with too many words
   std::vector<Exp*> handled_exps;          // item n has the handle n + 1 of exp_names
+  std::vector<unsigned> sound_handles;     // of these, EcPrg::removals at which they were not stale
   GrownTexts grown_texts;                  // interned in `symbols` by summing up
   EcPrgVar* next = nullptr;                // of the owner's list
   EcPrgVar* previous = nullptr;            // of the same
   Tcl_Command command = nullptr;           // null before it is created and when it is gone
   Tcl_Obj* full_name = nullptr;            // of the command; this object holds one reference
   Dorvik* owner;
-  int reference_count = 1;  // of its command and of each call
-  int calls = 0;            // that are under way, one within the other
-  int new_ident_count = 0;  // of generated names
-  tamsel::IntListIndex input_index, output_index, local_index,
-      function_index;                    // of the program's lists
-  std::unique_ptr<tamsel::Users> users;  // made when it is asked for, and again after a change
+  int reference_count = 1;                 // of its command and of each call
+  int calls = 0;                           // that are under way, one within the other
+  int new_ident_count = 0;                 // of generated names
+  std::unique_ptr<tamsel::Editor> editor;  // of the program; made when it is asked for
 
   // A program that was replaced under a call, with what belongs to it.
   struct Replaced {
     std::unique_ptr<SymbolTable> exp_names;
     std::unique_ptr<SymbolTable> symbols;
     std::unique_ptr<EcPrg> prg;
-    std::unique_ptr<tamsel::Users> users;
+    std::unique_ptr<tamsel::Editor> editor;
     std::unique_ptr<Replaced> next;
   };
   std::unique_ptr<Replaced> replaced;  // until the outermost call ends
@@ -133,6 +135,10 @@ class EcPrgVar {
     std::unique_ptr<EcPrg> prg = std::make_unique<EcPrg>();
     std::unique_ptr<Replaced> place = std::make_unique<Replaced>();  // of the one that goes
   };
+  tamsel::Editor& program_editor() {
+    if (editor == nullptr) editor = std::make_unique<tamsel::Editor>(prg.get());
+    return *editor;
+  }
   // Cannot fail: the old program goes and the new one is there.
   void install(Program program);
 
@@ -145,6 +151,7 @@ class EcPrgVar {
   int query_result(const Operation& operation, const char* parameter, const char* result);
 
   int built_new_ident(const char* prefix);
+  bool take_name(const char* word, int* symbol);
   int used_name_error(const Operation& operation, const char* word);
   int find_type(const Operation& operation, const char* word, EcType** type);
   int find_exp(const Operation& operation, const char* word, Exp** e);
@@ -156,14 +163,15 @@ class EcPrgVar {
 int ECPRG_call(void* object, Tcl_Interp* interp, int argc, const char* argv[]);
 void ECPRG_delete(void* object);
 
-// One of the lists of a program, with the counter of its members, the access to them by position,
-// and how a variable is added.
+// One of the lists of a program, with the counter of its members, and how a variable is added.
 struct Section {
-  IntList* EcPrg::*names;
+  NameList list;
   int EcPrg::*count;
-  tamsel::IntListIndex EcPrgVar::*index = nullptr;                     // null where nobody asks
   void (*add_variable)(EcPrg* prg, int name, EcType* type) = nullptr;  // null: of no variables
 };
+
+// Why a stale handle is refused.
+constexpr char stale_message[] = "the expression mentions a name that was removed";
 
 // What an operation does to the program of its object.
 enum class Effect {

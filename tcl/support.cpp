@@ -1,8 +1,16 @@
 #include "tcl/support.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <filesystem>
+
+namespace fs = std::filesystem;
 
 ErrorCode io_error(const char* name) { return {{"IO", Tcl_ErrnoId(), name, Tcl_ErrnoMsg(errno)}}; }
 
@@ -112,11 +120,73 @@ static bool encode(const char* word, std::string* bytes) {
   return outcome == TCL_OK;
 }
 
+// The name that a file has in the system; false, with errno, where it can have none.
+static bool system_name(const char* word, std::string* path) {
+  // The system would cut the name at a NUL, and open another file.
+  if (encode(word, path) && path->find('\0') == std::string::npos) return true;
+  errno = ENOENT;
+  return false;
+}
+
 FILE* open_by_name(const char* word, const char* mode) {
   std::string path;
-  // The system would cut the name at a NUL, and open another file.
-  if (encode(word, &path) && path.find('\0') == std::string::npos)
-    return std::fopen(path.c_str(), mode);
-  errno = ENOENT;
-  return nullptr;
+  return system_name(word, &path) ? std::fopen(path.c_str(), mode) : nullptr;
+}
+
+// Closes the file. Answers 0 or an errno.
+static int write_and_close(FILE* file, const std::string& text) {
+  errno = 0;
+  const bool good = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+  const int error = good ? 0 : errno;
+  if (std::fclose(file) != 0 && good) return errno;
+  return error;
+}
+
+// What a name leads to through links, each of which may lead nowhere yet.
+static int follow_links(fs::path* path) {
+  std::error_code error;
+  for (int links = 0; fs::is_symlink(fs::symlink_status(*path, error)); ++links) {
+    if (links == 40) return ELOOP;
+    const fs::path target = fs::read_symlink(*path, error);
+    if (error) return error.value();
+    *path = path->parent_path() / target;
+  }
+  return 0;
+}
+
+int write_by_name(const char* word, const std::string& text) {
+  std::string name;
+  if (!system_name(word, &name)) return errno;
+  struct stat old;
+  const bool is_there = stat(name.c_str(), &old) == 0;
+  if (is_there && !S_ISREG(old.st_mode)) {
+    FILE* file = std::fopen(name.c_str(), "w");
+    return file != nullptr ? write_and_close(file, text) : errno;
+  }
+  if (!is_there && errno != ENOENT) return errno;
+  if (is_there && access(name.c_str(), W_OK) != 0) return errno;
+  fs::path path = name;
+  if (const int error = follow_links(&path)) return error;
+
+  // Beside it, since only there a file can take its place.
+  static std::atomic<unsigned> made;
+  std::string beside;
+  int descriptor;
+  do {
+    const std::string number = std::to_string(getpid()) + "-" + std::to_string(++made);
+    beside = (path.parent_path() / (".tamsel-" + number)).string();
+    descriptor = open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  } while (descriptor < 0 && errno == EEXIST);
+  if (descriptor < 0) return errno;
+  int error = is_there && fchmod(descriptor, old.st_mode & 07777) != 0 ? errno : 0;
+  FILE* file = error == 0 ? fdopen(descriptor, "w") : nullptr;
+  if (file == nullptr) {
+    if (error == 0) error = errno;
+    close(descriptor);
+  } else {
+    error = write_and_close(file, text);
+  }
+  if (error == 0 && std::rename(beside.c_str(), path.c_str()) != 0) error = errno;
+  if (error != 0) unlink(beside.c_str());
+  return error;
 }

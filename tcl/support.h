@@ -64,4 +64,9 @@ int run_command(Tcl_Interp* interp, Command command) {
 // sets errno.
 FILE* open_by_name(const char* word, const char* mode);
 
+// Puts `text` in the place of what is in the file of that name, which then has all of it or is as
+// before. A link stays, and leads to the new file; what is no regular file (a device, a pipe) is
+// written to. Answers 0 or the errno of what failed.
+int write_by_name(const char* word, const std::string& text);
+
 #endif

@@ -1,6 +1,7 @@
 #include "tests/calls.h"
 
 #include <algorithm>
+#include <climits>
 #include <map>
 #include <stdexcept>
 #include <vector>
@@ -69,7 +70,7 @@ void call_symbols(Choices choices) {
     std::vector<bool> taken(static_cast<size_t>(table.tape->hash_size));
     for (const std::string& name : names)
       taken[static_cast<size_t>(table.tape->hash_code(name.c_str()))] = true;
-    REQUIRE(table.tape->occupied == std::count(taken.begin(), taken.end(), true));
+    REQUIRE(table.tape->occupied() == std::count(taken.begin(), taken.end(), true));
   }
 }
 
@@ -80,17 +81,17 @@ class SlowStream {
   SlowStream(int width, const std::string& tab) : width_(width), tab_(tab) {}
 
   void piece(const std::string& text) {
-    column += static_cast<int>(text.size());
+    column += static_cast<long long>(text.size());
     if (column >= width_) {
       written += '\n';
-      column = static_cast<int>(text.size());
+      column = static_cast<long long>(text.size());
     }
     written += text;
   }
   void end_line(bool indented) {
     written += '\n';
     column = 0;
-    for (int i = 0; indented && i < depth; ++i, column += static_cast<int>(tab_.size()))
+    for (int i = 0; indented && i < depth; ++i, column += static_cast<long long>(tab_.size()))
       written += tab_;
   }
   void put(const std::string& text) {
@@ -107,8 +108,12 @@ class SlowStream {
     if (!rest.empty()) piece(rest);
   }
 
+  void copy(const std::string& text) {
+    for (const char c : text) c == '\n' || c == '\f' ? end_line(c == '\n') : written.push_back(c);
+  }
+
   std::string written;
-  int column = 0;
+  long long column = 0;
   int depth = 0;
 
  private:
@@ -123,7 +128,18 @@ void call_stream(Choices choices) {
   TmpPtyStream stream(width, tab.c_str());
   const tamsel::PieceRun run = {") ", "", "and", "("};
   while (choices.left()) {
-    switch (choices.below(8)) {
+    switch (choices.below(10)) {
+      case 8:
+        slow.column = stream.column = choices.yes() ? INT_MAX : choices.below(100);
+        break;
+      case 9: {
+        const std::string text = choices.text("a\n\f\xff");
+        TmpPtyStream inner(80, nullptr);
+        inner.put_uncounted(text);
+        stream.put(&inner);
+        slow.copy(text);
+        break;
+      }
       case 0:
         stream.tab();
         ++slow.depth;
@@ -398,6 +414,10 @@ class Registry {
         REQUIRE(function->index == record.order && function->result_type == record.type);
         continue;
       }
+      const ExpNature leaf = record.mode == INPUT_mode                                 ? INPUT_n
+                             : record.mode == OUTPUT_mode || record.mode == LOCAL_mode ? ECREF_n
+                                                                                       : CONST_n;
+      REQUIRE(record.mode == ASSERT_mode || ident->ident_exp->nature == leaf);
       REQUIRE(ident->mode == record.mode && ident->type == record.type &&
               ident->order == record.order && ident->value == record.value);
       REQUIRE((ident->definition != nullptr) == record.defined &&

@@ -35,9 +35,8 @@ std::string quarel_text(EcPrg* prg);
 // once, and no tuple equation.
 bool is_reloadable(EcPrg* prg);
 
-// The first thing in which the programs differ: declarations with their types and clocks, the
-// expressions of equations and assertions, the types and clocks of these. Empty where they are the
-// same. Enumerations count as their names, and enumerated constants as constants.
-std::string difference(EcPrg* a, EcPrg* b);
+// What is known of every name but its places in the text, and of every expression its nodes, its
+// type and its clock. EC text has no enumerations: without their values these count as their names.
+std::string account_of(EcPrg* prg, bool with_values);
 
 #endif

@@ -1,9 +1,8 @@
 #include "tests/generator.h"
 
 #include <algorithm>
-#include <ostream>
 #include <random>
-#include <string>
+#include <sstream>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -318,4 +317,24 @@ class Generator {
 
 void write_program(const GeneratorOptions& options, std::ostream& out) {
   Generator(options, out).write();
+}
+
+std::string program_text(const GeneratorOptions& options) {
+  std::ostringstream text;
+  write_program(options, text);
+  return text.str();
+}
+
+GeneratorOptions options_of(unsigned seed) {
+  GeneratorOptions options;
+  options.seed = seed;
+  options.equations = 1 + static_cast<int>(seed * 7 % 30);
+  options.expression_size = static_cast<int>(seed % 5 * seed % 60);
+  options.long_names = seed % 7 == 0;
+  options.tuple_equations = seed % 8 < 4;
+  options.clocks = seed % 2 == 0;
+  options.types = seed % 3 != 0;
+  options.functions = seed % 4 != 0;
+  options.assertions = seed % 5 != 0;
+  return options;
 }

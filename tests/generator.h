@@ -6,6 +6,7 @@
 #define TESTS_GENERATOR_H
 
 #include <iosfwd>
+#include <string>
 
 struct GeneratorOptions {
   unsigned seed = 1;
@@ -24,5 +25,9 @@ struct GeneratorOptions {
 };
 
 void write_program(const GeneratorOptions& options, std::ostream& out);
+std::string program_text(const GeneratorOptions& options);
+
+// Options of all kinds but `sound`, by seed.
+GeneratorOptions options_of(unsigned seed);
 
 #endif

@@ -54,10 +54,16 @@ int main(int argc, char* argv[]) {
   const auto live = [&](int number, const char* rounds) {
     Tcl_Interp* interp = Tcl_CreateInterp();
     const std::string out = std::string(argv[3]) + "/threads-" + std::to_string(number);
-    Tcl_SetVar(interp, "library", argv[1], 0);
-    Tcl_SetVar(interp, "sources", argv[2], 0);
-    Tcl_SetVar(interp, "out", out.c_str(), 0);
-    Tcl_SetVar(interp, "rounds", rounds, 0);
+    // Paths are in the encoding of the system, which need not be UTF-8.
+    const auto set = [&](const char* variable, const char* text) {
+      Tcl_DString word;
+      Tcl_SetVar(interp, variable, Tcl_ExternalToUtfDString(nullptr, text, -1, &word), 0);
+      Tcl_DStringFree(&word);
+    };
+    set("library", argv[1]);
+    set("sources", argv[2]);
+    set("out", out.c_str());
+    set("rounds", rounds);
     if (Tcl_Eval(interp, script) != TCL_OK) {
       ++failures;
       std::fprintf(stderr, "thread %d: %s\n", number, Tcl_GetStringResult(interp));

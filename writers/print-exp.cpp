@@ -142,8 +142,8 @@ class ExpPrinter : public ExpVisitor {
  private:
   // A call writes the members of a tuple that it is given as its own arguments, and nothing else.
   static bool takes_tuple(const Exp* exp) {
-    return exp != nullptr && exp->nature == CALL_n && exp->nb_args > 0 && exp->args[0] != nullptr &&
-           exp->args[0]->nature == TUPLE_n;
+    return exp != nullptr && exp->nature == CALL_n && exp->nb_args > 0 &&
+           exp->args()[0] != nullptr && exp->args()[0]->nature == TUPLE_n;
   }
   bool is_marked(const Exp* parent) const {
     return notation_.cuts_cycles && !(by_structure_ && parent == nullptr);
@@ -252,9 +252,9 @@ bool ExpPrinter::open(Exp* exp) {
                       nodekey(exp->nature));
       return false;
     case ExpForm::rational:
-      return open_combination(exp, exp->coeffs.get(), exp->constant);
+      return open_combination(exp, exp->coeffs(), exp->constant());
     case ExpForm::integer:
-      return open_combination(exp, exp->ints.get(), exp->int_param);
+      return open_combination(exp, exp->ints(), exp->int_param());
     case ExpForm::projection:
       out_->put_literal("proj(");
       out_->put(exp->projection_order());
@@ -276,9 +276,9 @@ void ExpPrinter::between(Exp* exp, int place) {
   if (takes_tuple(exp)) return;
   const Layout& layout = layout_of(exp);
   if (layout.form == ExpForm::rational)
-    continue_combination(exp->coeffs.get(), place);
+    continue_combination(exp->coeffs(), place);
   else if (layout.form == ExpForm::integer)
-    continue_combination(exp->ints.get(), place);
+    continue_combination(exp->ints(), place);
   else
     out_->put(place == 1 ? layout.before_second : layout.before_others);
 }
@@ -292,9 +292,9 @@ void ExpPrinter::leave(Exp* exp, Exp* parent) {
   if (takes_tuple(parent)) return;
   const Layout& layout = layout_of(exp);
   if (layout.form == ExpForm::rational)
-    close_combination(exp->constant);
+    close_combination(exp->constant());
   else if (layout.form == ExpForm::integer)
-    close_combination(exp->int_param);
+    close_combination(exp->int_param());
   else
     out_->put(layout.close);
   if (is_bracketed) out_->put_literal(")");

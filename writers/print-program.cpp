@@ -253,11 +253,12 @@ void EcPrg::Printer::put_equations(const Names& names) {
     if (defined->tuple_names != nullptr && right->projection_order() != 1) continue;
     out_->cr();
     if (defined->tuple_names != nullptr) {
-      right = right->args[0];
-      if (dialect_.reads_back) out_->put_literal("(");
+      right = right->args()[0];
+      const bool has_brackets = dialect_.reads_back && defined->tuple_names->next != nullptr;
+      if (has_brackets) out_->put_literal("(");
       put_separated(names_in(defined->tuple_names), ", ", out_,
                     [=](int member) { put_name(member); });
-      if (dialect_.reads_back) out_->put_literal(")");
+      if (has_brackets) out_->put_literal(")");
     } else {
       put_name(symbol);
     }

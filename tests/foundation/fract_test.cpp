@@ -105,17 +105,3 @@ TEST(Fract, DividingByZeroExits) {
   EXPECT_EXIT(made_by_hand.todouble(), testing::ExitedWithCode(1),
               "^Fract::todouble\\(\\) : division by zero\n$");
 }
-
-TEST(ReadInt, CutsAndStops) {
-  const struct {
-    const char* text;
-    int number;
-    const char* rest;
-  } rows[] = {{"12", 12, ""},  {" -7x", -7, "x"},     {"x", 0, "x"},
-              {"010", 10, ""}, {"4294967297", 1, ""}, {"99999999999999999999", -1, ""}};
-  for (const auto& row : rows) {
-    const char* end;
-    EXPECT_EQ(row.number, read_int(row.text, &end)) << row.text;
-    EXPECT_STREQ(row.rest, end) << row.text;
-  }
-}

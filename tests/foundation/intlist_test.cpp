@@ -56,20 +56,6 @@ TEST(IntList, ConcatenationKeepsEveryHintLeadingToTheEnd) {
   }
 }
 
-TEST(IntList, HoldsAMillionCells) {
-  const List built = make(std::vector<int>(1000000, 7));
-  List appended = make({7});
-  for (int cells = 1; cells < 1000000; ++cells) {
-    IntList* list = appended.get();
-    append_list(list, 7);
-  }
-  EXPECT_EQ(1, same_values(built.get(), appended.get()));
-  appended->last()->value = 8;
-  EXPECT_EQ(0, same_values(built.get(), appended.get()));
-  EXPECT_EQ(0, same_values(built->next, built.get()));
-  EXPECT_EQ(0, same_values(built.get(), built->next));
-}
-
 TEST(IntList, PrintsTenValuesALine) {
   EXPECT_EQ("{ 1, 2, 3, 4, 5, 6, 7, 8, 9, 10,\n11 }\n", stdout_text([] {
               make({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11})->print();
@@ -87,23 +73,4 @@ TEST(IntIterator, StopsAtTheEndAndBorrowsTheList) {
   append_list(list->next, 8);
   EXPECT_EQ(8, next());  // it stayed at the last cell
   EXPECT_EQ(0, IntIterator()());
-}
-
-TEST(IntListIndex, FollowsAListThatGrows) {
-  IntListIndex index;
-  int out = -1;
-  EXPECT_EQ(1, index.extract(nullptr, 0, &out));
-  IntList* list = nullptr;
-  for (int value = 1; value <= 100; ++value) append_list(list, value);
-  EXPECT_EQ(0, index.extract(list, 60, &out));
-  EXPECT_EQ(61, out);
-  EXPECT_EQ(1, index.extract(list, 100, &out));
-  append_list(list, 101);
-  for (const int place : {100, 0, 99, 61}) {
-    EXPECT_EQ(0, index.extract(list, place, &out));
-    EXPECT_EQ(place + 1, out);
-  }
-  EXPECT_EQ(1, index.extract(list, -1, &out));
-  EXPECT_EQ(62, out);
-  delete list;
 }

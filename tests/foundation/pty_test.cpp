@@ -4,36 +4,11 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
 #include <stdexcept>
 
 #include "tests/support.h"
 
 using namespace tamsel;
-
-TEST(PtyStream, BreaksAndIndentsLines) {
-  const std::string b20(20, 'b');
-  const struct {
-    int depth, column;  // before the text
-    std::string text, expected;
-    int column_after;
-  } rows[] = {
-      // clang-format off
-      {0, 77, "abc", "\nabc", 3}, {0, 76, "abc", "abc", 79},
-      {2, 70, b20, "\n" + b20, 20},  // no indentation after an automatic break
-      {1, 80, "\nx", "\n\n   x", 4},  // an empty piece meets the width as well
-      {0, 5, "100%s%n", "100%s%n", 12}, {0, INT_MAX, "a", "\na", 1},
-      // clang-format on
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(row.expected, written([&](PtyStream* stream) {
-                stream->tab_depth = row.depth;
-                stream->column = row.column;
-                stream->put_text(row.text.c_str());
-                EXPECT_EQ(row.column_after, stream->column) << row.text;
-              }));
-  }
-}
 
 TEST(PtyStream, WarnsOfOneUntabTooMany) {
   EXPECT_EQ("PtyStream::untab : unbalanced untab\n", stderr_of([] {
@@ -43,23 +18,6 @@ TEST(PtyStream, WarnsOfOneUntabTooMany) {
                           stream->untab();
                           stream->put_text("\nx");
                         }));
-            }));
-}
-
-TEST(TmpPtyStream, IsCopiedAtTheDepthOfTheOther) {
-  const std::string copy = "x\n   y\n      \xff\n   z";  // its form feed was a line end by then
-  EXPECT_EQ("a" + copy + "!\n   >" + copy + "2", written([](PtyStream* stream) {
-              TmpPtyStream text(80, nullptr);
-              text.put_text("x\ny");
-              text.tab();
-              text.put_text("\n\xff\fz");
-              stream->tab();
-              stream->put_text("a");
-              stream->put(&text);
-              EXPECT_EQ(3, stream->column);  // copied characters are not counted
-              stream->put_text("!\n>");
-              text.put(2);  // goes on after what was copied
-              stream->put(&text);
             }));
 }
 
@@ -85,29 +43,6 @@ TEST(TmpPtyStream, LostTextIsMissingInTheCopy) {
   text.put_text("lost");
   copy.put(&text);
   EXPECT_EQ(EBADF, copy.close());
-}
-
-TEST(PtyStream, AFullStandardStreamSpoilsNothingLater) {
-  if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no full device here";
-  for (const char* name : {"stdout", "stderr"}) {
-    FILE* const file = *(name + 3) == 'o' ? stdout : stderr;
-    fflush(file);
-    const int saved = dup(fileno(file)), full = open("/dev/full", O_WRONLY);
-    dup2(full, fileno(file));
-    PtyStream stream(name, 80, nullptr);
-    fputs("written directly", stream.file);
-    const int error = stream.close();
-    TmpPtyStream elsewhere(80, nullptr);
-    dup2(fileno(elsewhere.file), fileno(file));
-    PtyStream next(file, 80, nullptr);
-    next.put("%s%d", "still open", 1);
-    EXPECT_EQ(0, next.close());
-    dup2(saved, fileno(file));
-    close(full);
-    close(saved);
-    EXPECT_EQ(file == stdout ? ENOSPC : EIO, error);
-    EXPECT_EQ("still open1", written([&](PtyStream* out) { out->put(&elsewhere); }));
-  }
 }
 
 TEST(PieceRun, HoldsFourPiecesOfSixteenCharactersTogether) {

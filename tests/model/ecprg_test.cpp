@@ -2,16 +2,8 @@
 
 #include <climits>
 #include <cstring>
-#include <tuple>
 
 #include "tests/support.h"
-
-static std::string names(Program& program, const IntList* list) {
-  std::string text;
-  for (const int symbol : tamsel::values_of(list))
-    text += std::string(text.empty() ? "" : " ") + program.symbols.name(symbol);
-  return text;
-}
 
 TEST(EcPrg, BeginsWithTheNamesOfItsTypesAndConstants) {
   Program program;
@@ -22,48 +14,6 @@ TEST(EcPrg, BeginsWithTheNamesOfItsTypesAndConstants) {
   EXPECT_EQ(program.prg.nil_exp, program.prg.get_bool_const(number));
   EXPECT_EQ(nullptr, program.prg.constants);
   EXPECT_EQ("", program.message());
-}
-
-TEST(EcPrg, RanksWhatItDeclares) {
-  Program program(
-      "type token, color = (red, green, blue);"
-      "const k : token; red2 : color;"
-      "function f(a : int) returns (b : int) function p(a : int) returns (b : int; c : int)"
-      "function h(a : int; b : bool) returns (c : color)"
-      "node n(x, y : int; z : bool) returns (o, q : int); var l, m : bool; let tel");
-  const struct {
-    const char* name;
-    IdentMode mode;
-    ExpNature leaf;
-    bool defined;
-    int order, value;
-  } rows[] = {
-      // clang-format off
-      {"red", ENUM_CONST_mode, CONST_n, true, 2, 0},  // ranked from the last to the first
-      {"green", ENUM_CONST_mode, CONST_n, true, 1, 1},
-      {"blue", ENUM_CONST_mode, CONST_n, true, 0, 2},
-      {"k", USR_CONST_mode, CONST_n, true, -1, 3}, {"red2", USR_CONST_mode, CONST_n, true, -1, 4},
-      {"x", INPUT_mode, INPUT_n, true, 0, 0}, {"z", INPUT_mode, INPUT_n, true, 2, 0},
-      {"q", OUTPUT_mode, ECREF_n, false, 1, 0}, {"m", LOCAL_mode, ECREF_n, false, 1, 0},
-      // clang-format on
-  };
-  for (const auto& row : rows) {
-    const IdentInfo* ident = program.ident(row.name);
-    ASSERT_NE(nullptr, ident) << row.name;
-    const Exp* leaf = ident->ident_exp;
-    EXPECT_EQ(std::make_tuple(row.mode, row.leaf, row.order, row.value),
-              std::make_tuple(ident->mode, leaf->nature, ident->order, ident->value))
-        << row.name;
-    EXPECT_EQ(row.defined ? leaf : nullptr, ident->definition) << row.name;
-  }
-  EcType* color = program.prg.get_named_type(program.symbol("color"));
-  EXPECT_EQ(2, color->number);
-  EXPECT_EQ(program.ident("blue"), color->enum_const(0));
-  EXPECT_EQ("red2", names(program, color->constants));
-  EXPECT_EQ("red green blue k red2", names(program, program.prg.constants));
-  EXPECT_EQ("f h", names(program, program.prg.functions));
-  EXPECT_EQ("p", names(program, program.prg.tuple_functions));
-  EXPECT_EQ("a int b bool", names(program, program.prg.function(program.symbol("h"))->params));
 }
 
 TEST(EcPrg, MakesAConstantOnceAndReadsItsValue) {
@@ -99,13 +49,6 @@ TEST(EcType, ReportsQuestionsToTheWrongKind) {
             stderr_of([&] { EXPECT_EQ(0, type.member(1)); }));
   EXPECT_EQ("EcType::enum_const(int) called on non enumerate type",
             stderr_of([&] { EXPECT_EQ(nullptr, type.enum_const(0)); }));
-}
-
-TEST(SymbolInfoArray, GrowsToAnyIndex) {
-  SymbolInfoArray infos(200, 0);
-  infos[250] = new SymbolInfo;
-  EXPECT_EQ(251, infos.size());
-  EXPECT_EQ(nullptr, infos[5000]);
 }
 
 TEST(EcPrg, KeepsTheFirst1023CharactersOfAMessage) {

@@ -143,7 +143,7 @@ TEST(Typing, IsDoneOncePerNode) {
   Program program(declarations);
   Exp* sum = program.exp("i + 1");
   EcType* type = program.prg.type(sum);
-  sum->args[0] = program.leaf("b");
+  sum->args()[0] = program.leaf("b");
   EXPECT_EQ(type, program.prg.type(sum));
   EXPECT_EQ(program.prg.type(program.exp("(i, b)")), program.prg.type(program.exp("(1, true)")));
 
@@ -181,7 +181,7 @@ TEST(Clocks, FollowTheFirstOperand) {
         << row.text;
     EXPECT_EQ(expected, e->clock) << row.text;
     // What is known is not computed again, and not reported again.
-    if (expected != -1 && e->nb_args > 0) e->args[0] = program.exp("current i");
+    if (expected != -1 && e->nb_args > 0) e->args()[0] = program.exp("current i");
     EXPECT_EQ(expected == -1 ? row.report : "",
               stderr_of([&] { EXPECT_EQ(expected, program.prg.clock(e)); }))
         << row.text;

@@ -1,3 +1,5 @@
+#include <tuple>
+
 #include "tests/support.h"
 
 // The tokens of `text` as their numbers, with the text that they carry; at an error, the message.
@@ -109,4 +111,60 @@ TEST(Lexer, TracesAFile) {
   std::remove(path.c_str());
   EXPECT_EQ("EcLexTest : Can't open file '" + path + "'\n",
             stderr_of([&] { EXPECT_EQ(1, EcLexTest(&symbols, path.c_str())); }));
+}
+
+static File regular_file_of(const std::string& text) {
+  File file(tmpfile(), std::fclose);
+  std::fputs(text.c_str(), file.get());
+  std::rewind(file.get());
+  return file;
+}
+
+// What the variables say after a parse is what they say after as many tokens one by one, however
+// far ahead the text was cut for it; and the file stands behind the look-ahead character.
+TEST(Lexer, TellsAfterAParseWhatItTellsTokenByToken) {
+  std::string text = "node n(a : int) returns (b : int);\nlet b =";
+  std::vector<size_t> places;
+  const char* const tokens[] = {"a", "+", "(* \xC3\xA9\n *)", "12",    "**",
+                                "(", "x", "-- \xC3\xA9\n",    "1.5e3", ")"};
+  for (int i = 0; i < 300; ++i) {
+    places.push_back(text.size());
+    text += std::string(" ") + tokens[i % 10];
+  }
+  const auto state = [] {
+    return std::make_tuple(yyline, YY_result, token_place().line, token_place().column,
+                           std::string(buffer), std::string(ecprg_lval.text));
+  };
+  const auto forget = [] { buffer[0] = ecprg_lval.text[0] = '\0'; };
+  Program program;
+  for (const char* flaw : {" $", " 1e+", " ;\n", " (*", " node (**)x", " node--", " if"}) {
+    for (const size_t place : places) {
+      const std::string flawed = std::string(text).insert(place, flaw);
+      const File file = regular_file_of(flawed);
+      forget();
+      EXPECT_EQ(1, EcParseFile(&program.prg, &program.symbols, file.get()));
+      const auto parsed = state();
+      forget();
+      yylexInitString(258, flawed.c_str());
+      do ecprg_lex();
+      while (state() != parsed && YY_result != 0);
+      EXPECT_EQ(parsed, state()) << flaw << place;
+      EXPECT_EQ(YY_instring - flawed.c_str(), std::ftell(file.get())) << flaw << place;
+    }
+  }
+}
+
+// The end of a block may fall on any character.
+TEST(Lexer, CutsATextAlikeWhereverItIsSplit) {
+  const std::string text =
+      "node n(abc : real) returns (de : bool); let de = abc (* two\nlines *) <= 12.5e-3 -- end\n"
+      "or true;\ntel";
+  Program whole(text);
+  const size_t block = 64 * 1024;
+  for (size_t split = 0; split < text.size(); ++split) {
+    Program program;
+    const File file = regular_file_of("(*" + std::string(block - split - 4, ' ') + "*)" + text);
+    EXPECT_EQ(0, EcParseFile(&program.prg, &program.symbols, file.get())) << program.message();
+    EXPECT_EQ(ec_text(&whole.prg), ec_text(&program.prg)) << split;
+  }
 }

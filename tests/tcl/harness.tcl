@@ -64,6 +64,26 @@ proc run_child {script args} {
     run_shell [list [info nameofexecutable] -encoding utf-8] "load [list $::env(TAMSEL_LIBRARY)]\n$script" {*}$args
 }
 
+# All that `script` prints, on whichever channel, in a tclsh that has loaded the library, in the folder of the examples,
+# with `input` to read. Handles are no two times the same.
+proc shown {script {input {}}} {
+    set path [write_file child.tcl [encoding convertto utf-8 \
+        "load [list $::env(TAMSEL_LIBRARY)]\ncd [list [example {}]]\n$script\nexit\n"]]
+    regsub -all {_exp[0-9A-F]+} [exec [info nameofexecutable] -encoding utf-8 $path << $input 2>@1] HANDLE
+}
+# The lines of a text that differ from those kept in tests/tcl/expected; none where it is the same. Keeps the text
+# where the environment has TAMSEL_KEEP.
+proc unlike_kept {name found} {
+    set path [file join $::source_dir tests tcl expected $name]
+    set found [encoding convertto utf-8 $found\n]
+    if {[info exists ::env(TAMSEL_KEEP)]} {write_file $path $found}
+    set wrong {}
+    foreach line [split $found \n] kept [split [read_file $path] \n] {
+        if {$line ne $kept} {append wrong "$line\n    not $kept\n"}
+    }
+    return $wrong
+}
+
 # Runs a tool on its own, without what a sanitized library needs.
 proc run_tool {args} {
     exec env -u LD_PRELOAD {*}$args
