@@ -89,8 +89,9 @@ static const int followed = TCL_TRACE_RENAME | TCL_TRACE_DELETE;
 static void follow_command(void* data, Tcl_Interp* interp, const char*, const char*, int flags) {
   EcPrgVar* object = static_cast<EcPrgVar*>(data);
   object->note_name();
-  if ((flags & TCL_TRACE_DELETE) != 0)
-    Tcl_UntraceCommand(interp, Tcl_GetString(object->full_name), followed, follow_command, data);
+  if ((flags & TCL_TRACE_DELETE) == 0) return;
+  if (const char* name = object->found_name())
+    Tcl_UntraceCommand(interp, name, followed, follow_command, data);
 }
 
 EcPrgVar::~EcPrgVar() {
@@ -102,7 +103,8 @@ void EcPrgVar::set_command(Tcl_Command token) {
   full_name = Tcl_NewObj();
   Tcl_IncrRefCount(full_name);
   note_name();
-  Tcl_TraceCommand(owner->interp, Tcl_GetString(full_name), followed, follow_command, this);
+  if (const char* name = found_name())
+    Tcl_TraceCommand(owner->interp, name, followed, follow_command, this);
 }
 
 // Asks Tcl, since what a trace is told is old where an earlier one has renamed the command again.
@@ -111,13 +113,21 @@ void EcPrgVar::note_name() {
   Tcl_GetCommandFullName(owner->interp, command, full_name);
 }
 
+// To Tcl, ":::p" is the same as "::p": it finds a command called ":p" by its bare name alone.
+const char* EcPrgVar::found_name() const {
+  const char* full = Tcl_GetString(full_name);
+  const char* bare = *full != '\0' ? full + std::strlen("::") : full;
+  for (const char* name : {full, bare}) {
+    Tcl_CmdInfo found;
+    if (Tcl_GetCommandInfo(owner->interp, name, &found) != 0 && found.clientData == this)
+      return name;
+  }
+  return nullptr;
+}
+
 bool EcPrgVar::has_command(const std::vector<void*>& hidden) const {
   if (command == nullptr) return false;
-  Tcl_CmdInfo found;
-  if (Tcl_GetCommandInfo(owner->interp, Tcl_GetString(full_name), &found) != 0 &&
-      found.clientData == this)
-    return true;
-  return std::find(hidden.begin(), hidden.end(), this) != hidden.end();
+  return found_name() != nullptr || std::find(hidden.begin(), hidden.end(), this) != hidden.end();
 }
 
 // One after the other, however many a script has replaced.

@@ -63,6 +63,9 @@ class EcPrgVar {
   // Takes the command that was made for this object, and notes from now on how it is called.
   void set_command(Tcl_Command token);
   void note_name();
+  // A name under which Tcl finds the command from where it is now; null where it finds none, or
+  // that of another. Valid until the next note_name.
+  const char* found_name() const;
   // Whether the command is there, under its name or among the `hidden` ones (see hidden_commands).
   // Tcl may throw away a command that a trace has made, without telling its object, and `command`
   // then leads nowhere.
