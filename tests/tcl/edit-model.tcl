@@ -226,26 +226,3 @@ proc edit_substitute {q calls name exp {-in -in} {only *}} {
         } else {set call}
     }] $count
 }
-
-# The edits that take one back, given the calls before and after it.
-proc inverse {edit before after} {
-    set words [lassign $edit command]
-    if {$command eq "rename"} {return [list [list rename {*}[lreverse $words]]]}
-    if {$command eq "declare"} {
-        set place [expr {[lindex $words 0] in {type function} ? 1 : 2}]
-        return [list [list remove [lindex $words $place]]]
-    }
-    lassign [lmap {some others} [list $after $before $before $after] {
-        lmap call $some {if {$call in $others} continue; set call}
-    }] made lost
-    set steps {}
-    foreach call $made {if {[lindex $call 0] eq "define"} {lappend steps [list undefine [lindex $call 1 0]]}}
-    set assertions [lmap calls [list $before $after] {lsearch -all -inline -index 0 -exact $calls assert}]
-    if {[lindex $assertions 0] ne [lindex $assertions 1]} {
-        set count -1
-        set indices [lmap - [lindex $assertions 1] {incr count}]
-        if {$indices ne {}} {lappend steps [list retract {*}$indices]}
-        set lost [concat [lsearch -all -inline -not -index 0 -exact $lost assert] [lindex $assertions 0]]
-    }
-    concat $steps $lost
-}
