@@ -30,7 +30,7 @@ namespace {
 // An interpreter of its own, which nothing of an input gets at, plays them all in `child`.
 const char player[] = R"tcl(
 proc play text {
-    foreach path [glob -nocomplain * .*] {if {$path ni {. ..}} {file delete -force $path}}
+    foreach path [glob -nocomplain * .*] {if {$path ni {. ..}} {file delete -force ./$path}}
     set file [open sample.ec w]
     puts -nonewline $file {type color = (red, green); const k : int; function f (a : int) returns (r : int);
         node n (a : int; (b : bool) when c; c : bool) returns (o : int);
