@@ -174,7 +174,7 @@ exec sh -c {git ls-files -z --cached --others --exclude-standard | tar -c --null
 write_file $tree/tests/CMakeLists.txt [string map {{TIMEOUT 300} {TIMEOUT 120}} [read_file $tree/tests/CMakeLists.txt]]
 set env(QUAREL_INSTALL) $tree
 if {![succeeds 60 cmake -S $tree -B $build -G Ninja -DCMAKE_BUILD_TYPE=None \
-    -DCMAKE_CXX_FLAGS=-O0 -DCMAKE_EXPORT_COMPILE_COMMANDS=ON] || ![builds {faults threads}] || [set unchanged [verdict]] ne "survived"} {
+    -DCMAKE_CXX_FLAGS=-O0 -DCMAKE_EXPORT_COMPILE_COMMANDS=ON] || ![builds {faults threads tree}] || [set unchanged [verdict]] ne "survived"} {
     puts [read_file $log]
     puts stderr "mutate: the tests fail without any change"
     exit 1
