@@ -85,7 +85,7 @@ int Question::answer() {
     const char* text = Tcl_GetString(objv_[1]);
     return fail({{"STATE", "BUSY"}}, std::string("'") + text + "' is in use");
   }
-  const CtrlCWaits waits;
+  waits_.emplace();
   return (this->*row_.handler)();
 }
 

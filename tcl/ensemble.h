@@ -213,6 +213,7 @@ class Question {
   // Empty, or the error of an edit that was refused.
   int outcome(bool is_done);
 
+  std::optional<CtrlCWaits> waits_;  // first, and so until the object is given back
   Ensemble* const ensemble_;
   Tcl_Interp* const interp_;
   const Subcommand& row_;
