@@ -161,19 +161,6 @@ void Exp::drop_idle_rare() {
   --rare_in_arenas;
 }
 
-Exp::Exp(InArena, ExpNature kind, int n, Exp* const* operands, int rank)
-    : nb_args(n), nature(kind), in_arena_(true), is_ranked_(rank != 0) {
-  std::copy_n(operands, n, in_place());
-  if (is_ranked_) *rank_place() = rank;
-}
-
-Exp* ExpHeap::node(ExpNature kind, int n, Exp* const* operands, int rank) {
-  static_assert(sizeof(void*) != 8 || sizeof(Exp) == 32, "the fields of a node leave no gaps");
-  void* room = arena_.allocate(Exp::size_in_arena(n, rank != 0));
-  ++size_;
-  return new (room) Exp(Exp::InArena(), kind, n, operands, rank);
-}
-
 Exp* ExpHeap::leaf(ExpNature kind, int symbol, EcType* type, int clock) {
   Exp* e = node(kind, 0, nullptr);
   e->ident = symbol;

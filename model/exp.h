@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <new>
 
 #include "foundation/arena.h"
 #include "foundation/fract.h"
@@ -239,7 +240,11 @@ class Exp {
   friend class ExpHeap;
   // A node in the arena of a heap, with room behind it for its operands and its rank.
   struct InArena {};
-  Exp(InArena, ExpNature kind, int n, Exp* const* operands, int rank);
+  Exp(InArena, ExpNature kind, int n, Exp* const* operands, int rank)
+      : nb_args(n), nature(kind), in_arena_(true), is_ranked_(rank != 0) {
+    for (int i = 0; i < n; ++i) in_place()[i] = operands[i];
+    if (is_ranked_) *rank_place() = rank;
+  }
   static size_t size_in_arena(int n, bool is_ranked) {
     return sizeof(Exp) + sizeof(Exp*) * (static_cast<size_t>(n > 0 ? n - 1 : 0) + is_ranked);
   }
@@ -261,6 +266,7 @@ class Exp {
   // with them.
   Exp* first_ = nullptr;
 };
+static_assert(sizeof(void*) != 8 || sizeof(Exp) == 32, "the fields of a node leave no gaps");
 
 // The nodes of a program. Owns them.
 class ExpHeap {
@@ -281,7 +287,12 @@ class ExpHeap {
 
   // Make a node with `n` operands, which are copied, and a leaf. These take no more memory than
   // they need, and are not to be deleted. Throw bad_alloc with nothing changed.
-  Exp* node(ExpNature kind, int n, Exp* const* operands, int rank = 0);
+  // Inline, as a node of the grammar has a number of operands that the compiler knows.
+  Exp* node(ExpNature kind, int n, Exp* const* operands, int rank = 0) {
+    void* room = arena_.allocate(Exp::size_in_arena(n, rank != 0));
+    ++size_;
+    return new (room) Exp(Exp::InArena(), kind, n, operands, rank);
+  }
   Exp* leaf(ExpNature kind, int symbol, EcType* type, int clock);
   // A copy of `e`, which is of any heap, with other operands and without annotations. It takes
   // `size_of_copy` bytes.
