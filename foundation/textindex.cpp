@@ -4,25 +4,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <ctime>
 
 namespace tamsel {
-
-static uint64_t four_characters(const char* text) {
-  uint32_t word;
-  std::memcpy(&word, text, sizeof word);
-  return word;
-}
-
-// The characters of two ends that overlap where there are fewer than eight. Texts of one length
-// have different words.
-static uint64_t short_word(const char* text, size_t length) {
-  if (length >= 4) return four_characters(text) | four_characters(text + length - 4) << 32;
-  if (length == 0) return 0;
-  const auto character = [text](size_t i) { return uint64_t{static_cast<unsigned char>(text[i])}; };
-  return character(0) | character(length / 2) << 8 | character(length - 1) << 16;
-}
 
 // From the system, or else from what differs from process to process by itself. Odd, as a product
 // with an even number loses bits.
@@ -40,14 +24,12 @@ TextIndex::TextIndex() {
   std::copy(secrets.begin(), secrets.end(), secrets_);
 }
 
-TextKey TextIndex::key(std::string_view whole) const {
+uint64_t TextIndex::hash(std::string_view whole) const {
   const char* text = whole.data();
   size_t length = whole.size();
-  const auto kept_length = static_cast<uint32_t>(length);
-  if (length <= TextKey::short_length) return {short_word(text, length), kept_length};
   uint64_t hash = length;
   for (; length > 8; text += 8, length -= 8) hash = mixed(hash, short_word(text, 8));
-  return {mixed(hash, short_word(text, length)), kept_length};
+  return mixed(hash, short_word(text, length));
 }
 
 void TextIndex::make_room() {
@@ -63,14 +45,14 @@ void TextIndex::make_room() {
 }
 
 void TextIndex::insert(int number, const TextKey& key) noexcept {
-  size_t i = place(key);
+  size_t i = key.start & mask();
   while (slots_[i].number != 0) i = (i + 1) & mask();
   slots_[i] = {key.word, key.length, number};
   ++taken_;
 }
 
 void TextIndex::remove(int number, const TextKey& key) noexcept {
-  size_t gap = place(key);
+  size_t gap = key.start & mask();
   while (slots_[gap].number != number) gap = (gap + 1) & mask();
   // Each text after the gap moves into it, unless its search begins after the gap.
   for (size_t i = (gap + 1) & mask(); slots_[i].number != 0; i = (i + 1) & mask()) {

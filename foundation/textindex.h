@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -17,6 +18,7 @@ struct TextKey {
 
   uint64_t word;    // the characters; of a longer text their hash
   uint32_t length;  // its low bits
+  uint32_t start;   // where a search for it begins, in an index of any size
 };
 
 // An index of texts that have a number, from 1. The texts themselves are kept by somebody else:
@@ -26,16 +28,22 @@ class TextIndex {
   TextIndex();
 
   // The key of a text, the same in all indexes of the process.
-  TextKey key(std::string_view text) const;
+  TextKey key(std::string_view text) const {
+    const auto length = static_cast<uint32_t>(text.size());
+    const uint64_t word = text.size() <= TextKey::short_length
+                              ? short_word(text.data(), text.size())
+                              : hash(text);
+    return {word, length, start(word, length)};
+  }
   // Has the memory fetch what a search for a text with that key begins with.
   void fetch(const TextKey& key) const {
-    if (!slots_.empty()) __builtin_prefetch(&slots_[place(key)]);
+    if (!slots_.empty()) __builtin_prefetch(&slots_[key.start & mask()]);
   }
   // The number of `text`, which has that key, or 0.
   template <class TextOf>
   int find(std::string_view text, const TextKey& key, TextOf text_of) const {
     if (slots_.empty()) return 0;
-    for (size_t i = place(key); slots_[i].number != 0; i = (i + 1) & mask()) {
+    for (size_t i = key.start & mask(); slots_[i].number != 0; i = (i + 1) & mask()) {
       const Slot& slot = slots_[i];
       if (slot.word == key.word && slot.length == key.length &&
           (key.length <= TextKey::short_length || text == text_of(slot.number)))
@@ -59,10 +67,25 @@ class TextIndex {
   };
 
   size_t mask() const { return slots_.size() - 1; }
-  // Where the search for a key begins.
-  template <class Key>
-  size_t place(const Key& key) const {
-    return mixed(key.word, key.length) & mask();
+  size_t place(const Slot& slot) const { return start(slot.word, slot.length) & mask(); }
+  uint32_t start(uint64_t word, uint32_t length) const {
+    return static_cast<uint32_t>(mixed(word, length));
+  }
+  uint64_t hash(std::string_view text) const;
+  static uint64_t four_characters(const char* text) {
+    uint32_t word;
+    std::memcpy(&word, text, sizeof word);
+    return word;
+  }
+  // The characters of two ends that overlap where there are fewer than eight. Texts of one length
+  // have different words.
+  static uint64_t short_word(const char* text, size_t length) {
+    if (length >= 4) return four_characters(text) | four_characters(text + length - 4) << 32;
+    if (length == 0) return 0;
+    const auto character = [text](size_t i) {
+      return uint64_t{static_cast<unsigned char>(text[i])};
+    };
+    return character(0) | character(length / 2) << 8 | character(length - 1) << 16;
   }
   // A word in which all bits of both take part. Without the secrets nobody can choose pairs that
   // give words with the same low bits more often than chance does.
