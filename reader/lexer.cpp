@@ -70,6 +70,7 @@ enum class Begins : unsigned char {
   blank,
   number,
   name,
+  word,    // a name that may be a keyword
   single,  // a token of its own
   longer,  // a token of its own, a token of two characters, or a comment
 };
@@ -78,10 +79,11 @@ constexpr auto beginnings = [] {
   std::array<Begins, 256> table = {};
   for (int c = 0; c < 256; ++c) {
     const bool in_name = is_letter(c) || c == '_';
-    table[static_cast<size_t>(c)] = is_blank(c)   ? Begins::blank
-                                    : is_digit(c) ? Begins::number
-                                    : in_name     ? Begins::name
-                                                  : Begins::nothing;
+    table[static_cast<size_t>(c)] = is_blank(c)            ? Begins::blank
+                                    : is_digit(c)          ? Begins::number
+                                    : c >= 'a' && c <= 'z' ? Begins::word
+                                    : in_name              ? Begins::name
+                                                           : Begins::nothing;
   }
   for (const unsigned char c : std::string_view("./:;)#%+,")) table[c] = Begins::single;
   for (const unsigned char c : std::string_view("(*-<=>")) table[c] = Begins::longer;
@@ -97,10 +99,7 @@ const Keyword* find_token(const Keyword (&table)[rows], int token) {
   return nullptr;
 }
 
-bool continues_name(const char* at) {
-  const Begins begins = what_begins(at);
-  return begins == Begins::name || begins == Begins::number;
-}
+bool is_in_name(Begins begins) { return begins >= Begins::number && begins <= Begins::word; }
 
 bool begins_comment(const char* sign) {
   return (sign[0] == '(' && sign[1] == '*') || (sign[0] == '-' && sign[1] == '-');
@@ -146,6 +145,7 @@ bool Cutter::cut_from(const char* at, Token* token) {
     token->place = EcPosition(place_.line, static_cast<int>(column));
     switch (begins) {
       case Begins::name:
+      case Begins::word:
         return name_or_keyword(at, token);
       case Begins::number:
         return number(at, token);
@@ -223,9 +223,12 @@ bool Cutter::number(const char* at, Token* token) {
 }
 
 bool Cutter::name_or_keyword(const char* at, Token* token) {
-  while (continues_name(at)) ++at;
-  const Keyword* keyword =
-      keyword_index.find({token->begin, static_cast<size_t>(at - token->begin)});
+  bool may_be_keyword = true;
+  for (Begins begins; is_in_name(begins = what_begins(at)); ++at)
+    may_be_keyword &= begins == Begins::word;
+  const Keyword* keyword = nullptr;
+  if (may_be_keyword)
+    keyword = keyword_index.find({token->begin, static_cast<size_t>(at - token->begin)});
   if (keyword != nullptr) return finish_lexeme(at, token, keyword->token, keyword->carries_text);
   return finish_lexeme(at, token, IDENT, true);
 }
@@ -368,9 +371,9 @@ int Scanner::lex(EcPosition* token_begin) {
 
 bool tamsel::is_name(const char* text) {
   const char* end = text;
-  while (continues_name(end)) ++end;
+  while (is_in_name(what_begins(end))) ++end;
   const std::string_view name(text, static_cast<size_t>(end - text));
-  return *end == '\0' && what_begins(text) == Begins::name && name.size() < text_room &&
+  return *end == '\0' && end != text && what_begins(text) != Begins::number && name.size() < text_room &&
          keyword_index.find(name) == nullptr;
 }
 
