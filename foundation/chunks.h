@@ -37,20 +37,12 @@ class ChunkArray {
   // The item at `i` (from 0, counted from this chunk). Constant time; adds chunks where `i` lies
   // after the last. Throws bad_alloc with the array as it was or longer.
   Item& operator[](int i) {
-    // i / size_, by a multiplication that is exact for all ints and takes a third of the time.
-    const uint64_t rank = (static_cast<uint64_t>(i) * reciprocal_) >> shift_;
-    const int place = i - static_cast<int>(rank) * size_;
-    if (rank >= directory_.size() || place > directory_[rank].last_used) reach(rank, place);
-    return directory_[rank].items[place];
+    if (i >= reached_) reach(i);
+    return *at(i);
   }
 
   // The place of the item at `i`; null where it lies after all that were used. Adds nothing.
-  const Item* find(int i) const {
-    const uint64_t rank = (static_cast<uint64_t>(i) * reciprocal_) >> shift_;
-    const int place = i - static_cast<int>(rank) * size_;
-    if (rank >= directory_.size() || place > directory_[rank].last_used) return nullptr;
-    return &directory_[rank].items[place];
-  }
+  const Item* find(int i) const { return i < reached_ ? at(i) : nullptr; }
 
   // One more than the highest index used, counted from this chunk.
   int size() const {
@@ -74,25 +66,33 @@ class ChunkArray {
   struct Entry {
     ChunkArray* chunk;
     Item* items;
-    int last_used;
   };
 
-  // Has the chunk `rank`, from 0, cover `place`. Out of the way of those calls that need it not.
-  [[gnu::noinline]] void reach(uint64_t rank, int place) {
-    if (directory_.empty()) directory_.push_back({this, items, last_used});
+  Item* at(int i) const {
+    // i / size_, by a multiplication that is exact for all ints and takes a third of the time.
+    const uint64_t rank = (static_cast<uint64_t>(i) * reciprocal_) >> shift_;
+    return &directory_[rank].items[i - static_cast<int>(rank) * size_];
+  }
+  // Makes `i` one of those that were used. Out of the way of those calls that need it not.
+  [[gnu::noinline]] void reach(int i) {
+    const size_t rank = static_cast<size_t>(i / size_);
+    const int place = i % size_;
+    if (directory_.empty()) directory_.push_back({this, items});
     while (directory_.size() <= rank) {
       Entry& last = directory_.back();
       last.chunk->make_room(size_);
+      last.items = last.chunk->items;
       if (last.chunk->next == nullptr)
         last.chunk->next = new ChunkArray(size_, last.chunk->base + size_);
-      last = {last.chunk, last.chunk->items, last.chunk->last_used = size_ - 1};
+      last.chunk->last_used = size_ - 1;
       ChunkArray* chunk = last.chunk->next;
-      directory_.push_back({chunk, chunk->items, chunk->last_used});
+      directory_.push_back({chunk, chunk->items});
     }
     ChunkArray* chunk = directory_[rank].chunk;
     chunk->make_room(place + 1);
     chunk->last_used = std::max(chunk->last_used, place);
-    directory_[rank] = {chunk, chunk->items, chunk->last_used};
+    directory_[rank].items = chunk->items;
+    reached_ = i + 1;
   }
   // Makes room for `count` items in this chunk.
   void make_room(int count) {
@@ -107,6 +107,7 @@ class ChunkArray {
 
   uint64_t reciprocal_;  // of size_, times 2 to the power of shift_
   int shift_ = 31;
+  int reached_ = 0;               // one more than the highest index that was used by this chunk
   int room_;                      // items that there is memory for
   std::vector<Entry> directory_;  // the chunks from this one, as far as they were asked for
 };
