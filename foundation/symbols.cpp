@@ -67,7 +67,8 @@ char* StringTape::store(std::string_view s) {
     return place;
   };
   const auto new_page = [](size_t room) {
-    return static_cast<STapePage*>(::operator new(sizeof(STapePage) + room));
+    return static_cast<STapePage*>(
+        ::operator new(sizeof(STapePage) + room + STapePage::padding));
   };
   if (size > STapePage::room) {
     STapePage* page = new_page(size);

@@ -25,6 +25,8 @@
 // page can hold gets a longer page of its own.
 struct STapePage {
   static constexpr size_t room = 16380;  // bytes of an ordinary page
+  // Bytes after these, so that behind each string some can be read (see PtyStream::put_name).
+  static constexpr size_t padding = 8;
 
   STapePage* next;  // the page filled before this one
   // The characters stand behind.
@@ -157,9 +159,10 @@ class SymbolTable {
   // Throws bad_alloc with nothing changed.
   void replace_name(int number, const char* text);
 
-  // The text of symbol `number`, borrowed from the table; "?" for a number that names nothing.
+  // The text of symbol `number`, borrowed from the table; "?" for a number that names nothing. The
+  // 8 bytes where it begins can be read, however short it is.
   const char* name(int number) const {
-    return number < 1 || number > nb_symbols ? "?" : (*names)[number - 1];
+    return number < 1 || number > nb_symbols ? "?\0\0\0\0\0\0" : (*names)[number - 1];
   }
 
   // Prints one line a symbol on standard output, in order of numbers.

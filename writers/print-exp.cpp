@@ -30,6 +30,7 @@ constexpr ExpNotation brief_notation = {"Exp::print_brief", "print_brief", false
 // one.
 struct Layout {
   ExpForm form = ExpForm::none;
+  bool is_runs = false;  // there is nothing to write beside these and the operands
   PieceRun open;  // after what a node writes of its own
   PieceRun before_second;
   PieceRun before_others;
@@ -41,36 +42,36 @@ Layout layout_of(const ExpKind& kind) {
   switch (kind.form) {
     case ExpForm::prefix:
     case ExpForm::list:
-      return {kind.form, {kind.keyword, "("}, comma, comma, {")"}};
+      return {kind.form, true, {kind.keyword, "("}, comma, comma, {")"}};
     case ExpForm::infix: {
       const PieceRun infix = {")", kind.keyword, "("};
-      return {kind.form, {"("}, infix, infix, {")"}};
+      return {kind.form, true, {"("}, infix, infix, {")"}};
     }
     case ExpForm::conditional:
-      return {kind.form, {" if ("}, {") then ("}, {") else ("}, {")"}};
+      return {kind.form, true, {" if ("}, {") then ("}, {") else ("}, {")"}};
     case ExpForm::projection:
-      return {kind.form, {")("}, comma, comma, {")"}};
+      return {kind.form, false, {")("}, comma, comma, {")"}};
     case ExpForm::call:
-      return {kind.form, {"("}, comma, comma, {")"}};
+      return {kind.form, false, {"("}, comma, comma, {")"}};
     case ExpForm::none:
     case ExpForm::leaf:
     case ExpForm::rational:
     case ExpForm::integer:
       break;
   }
-  return {kind.form, {}, {}, {}, {}};
+  return {kind.form, false, {}, {}, {}, {}};
 }
 
 Layout brief_layout_of(const ExpKind& kind) {
   switch (kind.form) {
     case ExpForm::prefix:
-      return {kind.form, {kind.keyword, is_letter(kind.keyword[0]) ? " " : ""}, {}, {}, {}};
+      return {kind.form, true, {kind.keyword, is_letter(kind.keyword[0]) ? " " : ""}, {}, {}, {}};
     case ExpForm::infix: {
       const PieceRun infix = {" ", kind.keyword, " "};
-      return {kind.form, {}, infix, infix, {}};
+      return {kind.form, true, {}, infix, infix, {}};
     }
     case ExpForm::conditional:
-      return {kind.form, {"if "}, {" then "}, {" else "}, {}};
+      return {kind.form, true, {"if "}, {" then "}, {" else "}, {}};
     default:
       return layout_of(kind);
   }
@@ -131,13 +132,25 @@ class ExpPrinter : public ExpVisitor {
   // Inline as far as names go, which most nodes are.
   bool enter(Exp* exp, Exp* parent, int place) {
     if (takes_tuple(parent)) return place == 0 && enter_arguments();
-    if (exp->ident == 0 || (by_structure_ && parent == nullptr))
-      return enter_node(exp, parent, place);
-    out_->put_text(symbols_->name(exp->ident));
+    if (exp->ident == 0 || (by_structure_ && parent == nullptr)) {
+      const Layout& layout = layout_of(exp);
+      if (!is_plain_ || !layout.is_runs) return enter_node(exp, parent, place);
+      out_->put(layout.open);
+      return true;
+    }
+    out_->put_name(symbols_->name(exp->ident));
     return false;
   }
-  void between(Exp* exp, int place);
-  void leave(Exp* exp, Exp* parent);
+  void between(Exp* exp, int place) {
+    const Layout& layout = layout_of(exp);
+    if (!layout.is_runs) return continue_node(exp, place);
+    out_->put(place == 1 ? layout.before_second : layout.before_others);
+  }
+  void leave(Exp* exp, Exp* parent) {
+    const Layout& layout = layout_of(exp);
+    if (!is_plain_ || !layout.is_runs || takes_tuple(parent)) return leave_node(exp, parent);
+    out_->put(layout.close);
+  }
 
  private:
   // A call writes the members of a tuple that it is given as its own arguments, and nothing else.
@@ -151,7 +164,9 @@ class ExpPrinter : public ExpVisitor {
   static const ExpKind& kind_of(const Exp* exp) {
     return ExpNatureKeys[exp->nature < EXP_NATURES ? exp->nature : ERROR_n];
   }
-  const Layout& layout_of(const Exp* exp) const { return layouts_[kind_of(exp).nature]; }
+  const Layout& layout_of(const Exp* exp) const {
+    return layouts_[exp->nature < EXP_NATURES ? exp->nature : ERROR_n];
+  }
   bool enter_arguments() {
     if (notation_.is_brief) around_.emplace_back();
     return true;
@@ -159,6 +174,8 @@ class ExpPrinter : public ExpVisitor {
   bool enter_node(Exp* exp, Exp* parent, int place);
   bool open_brief(Exp* exp, Exp* parent, int place);
   bool open(Exp* exp);
+  void continue_node(Exp* exp, int place);
+  void leave_node(Exp* exp, Exp* parent);
 
   void write(int number) { out_->put(number); }
   void write(const Fract& number) { out_->put_uncounted(number.text()); }
@@ -200,6 +217,7 @@ class ExpPrinter : public ExpVisitor {
 
   const ExpNotation& notation_;
   const bool by_structure_;
+  const bool is_plain_ = !notation_.is_brief && !notation_.cuts_cycles;
   const Layout* const layouts_ = layouts(notation_.is_brief);
   PtyStream* const out_;
   SymbolTable* const symbols_;
@@ -246,7 +264,7 @@ bool ExpPrinter::open(Exp* exp) {
       return false;
     case ExpForm::leaf:
       if (exp->ident != 0)
-        out_->put_text(symbols_->name(exp->ident));
+        out_->put_name(symbols_->name(exp->ident));
       else
         EcPrg::ierror("%s : '%s' Exp must have an identifier", notation_.printer,
                       nodekey(exp->nature));
@@ -260,7 +278,7 @@ bool ExpPrinter::open(Exp* exp) {
       out_->put(exp->projection_order());
       break;
     case ExpForm::call:
-      out_->put_text(symbols_->name(exp->function_ident()));
+      out_->put_name(symbols_->name(exp->function_ident()));
       break;
     case ExpForm::prefix:
     case ExpForm::infix:
@@ -272,7 +290,7 @@ bool ExpPrinter::open(Exp* exp) {
   return true;
 }
 
-void ExpPrinter::between(Exp* exp, int place) {
+void ExpPrinter::continue_node(Exp* exp, int place) {
   if (takes_tuple(exp)) return;
   const Layout& layout = layout_of(exp);
   if (layout.form == ExpForm::rational)
@@ -283,7 +301,7 @@ void ExpPrinter::between(Exp* exp, int place) {
     out_->put(place == 1 ? layout.before_second : layout.before_others);
 }
 
-void ExpPrinter::leave(Exp* exp, Exp* parent) {
+void ExpPrinter::leave_node(Exp* exp, Exp* parent) {
   bool is_bracketed = false;
   if (notation_.is_brief) {
     is_bracketed = around_.back().is_bracketed;

@@ -58,7 +58,7 @@ class EcPrg::Printer {
   void put_function(int symbol, FuncInfo* function);
 
  private:
-  void put_name(int symbol) { out_->put_text(symbols_->name(symbol)); }
+  void put_name(int symbol) { out_->put_name(symbols_->name(symbol)); }
   // What the program has of a kind, of which `list` is all.
   Names names_of(NameKind kind, const IntList* list) const {
     return dialect_.reads_back ? prg_->declared_names(kind) : names_in(list);
