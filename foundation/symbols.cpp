@@ -67,8 +67,7 @@ char* StringTape::store(std::string_view s) {
     return place;
   };
   const auto new_page = [](size_t room) {
-    return static_cast<STapePage*>(
-        ::operator new(sizeof(STapePage) + room + STapePage::padding));
+    return static_cast<STapePage*>(::operator new(sizeof(STapePage) + room + STapePage::padding));
   };
   if (size > STapePage::room) {
     STapePage* page = new_page(size);

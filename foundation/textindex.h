@@ -30,9 +30,8 @@ class TextIndex {
   // The key of a text, the same in all indexes of the process.
   TextKey key(std::string_view text) const {
     const auto length = static_cast<uint32_t>(text.size());
-    const uint64_t word = text.size() <= TextKey::short_length
-                              ? short_word(text.data(), text.size())
-                              : hash(text);
+    const uint64_t word =
+        text.size() <= TextKey::short_length ? short_word(text.data(), text.size()) : hash(text);
     return {word, length, start(word, length)};
   }
   // Has the memory fetch what a search for a text with that key begins with.

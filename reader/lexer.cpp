@@ -90,6 +90,13 @@ constexpr auto beginnings = [] {
   return table;
 }();
 
+// The second characters of tokens that have two.
+constexpr auto ends_pair = [] {
+  std::array<bool, 256> table = {};
+  for (const Keyword& row : SpecKeywords) table[static_cast<unsigned char>(row.text[1])] = true;
+  return table;
+}();
+
 Begins what_begins(const char* at) { return beginnings[static_cast<unsigned char>(*at)]; }
 
 template <size_t rows>
@@ -175,7 +182,7 @@ void Cutter::begin_line(const char* at) {
   place_.mark_column = 1;
 }
 
-bool Cutter::finish(const char* at, Token* token, int number) {
+inline bool Cutter::finish(const char* at, Token* token, int number) {
   token->number = number;
   token->flaw = Token::Flaw::none;
   token->is_lexeme = token->carries_text = false;
@@ -191,7 +198,7 @@ bool Cutter::refuse(const char* at, Token* token, Token::Flaw flaw) {
 }
 
 // No lexeme is ever cut off: one that does not fit is an error of the text.
-bool Cutter::finish_lexeme(const char* at, Token* token, int number, bool carries_text) {
+inline bool Cutter::finish_lexeme(const char* at, Token* token, int number, bool carries_text) {
   if (at - token->begin >= static_cast<ptrdiff_t>(text_room))
     return refuse(at, token, Token::Flaw::too_long);
   const bool is_cut = finish(at, token, number);
@@ -223,11 +230,11 @@ bool Cutter::number(const char* at, Token* token) {
 }
 
 bool Cutter::name_or_keyword(const char* at, Token* token) {
-  bool may_be_keyword = true;
-  for (Begins begins; is_in_name(begins = what_begins(at)); ++at)
-    may_be_keyword &= begins == Begins::word;
+  while (what_begins(at) == Begins::word) ++at;
   const Keyword* keyword = nullptr;
-  if (may_be_keyword)
+  if (is_in_name(what_begins(at)))
+    while (is_in_name(what_begins(++at))) continue;
+  else
     keyword = keyword_index.find({token->begin, static_cast<size_t>(at - token->begin)});
   if (keyword != nullptr) return finish_lexeme(at, token, keyword->token, keyword->carries_text);
   return finish_lexeme(at, token, IDENT, true);
@@ -235,7 +242,9 @@ bool Cutter::name_or_keyword(const char* at, Token* token) {
 
 // `at` stands on what may be the second character.
 bool Cutter::sign(const char* at, Token* token) {
-  const Keyword* keyword = spec_keyword_index.find({token->sign, 2});
+  const Keyword* keyword = nullptr;
+  if (ends_pair[static_cast<unsigned char>(*at)])
+    keyword = spec_keyword_index.find({token->sign, 2});
   if (keyword == nullptr) return finish(at, token, *token->sign);
   return finish(at + 1, token, keyword->token);
 }
@@ -373,8 +382,8 @@ bool tamsel::is_name(const char* text) {
   const char* end = text;
   while (is_in_name(what_begins(end))) ++end;
   const std::string_view name(text, static_cast<size_t>(end - text));
-  return *end == '\0' && end != text && what_begins(text) != Begins::number && name.size() < text_room &&
-         keyword_index.find(name) == nullptr;
+  return *end == '\0' && !name.empty() && what_begins(text) != Begins::number &&
+         name.size() < text_room && keyword_index.find(name) == nullptr;
 }
 
 int GetChar(int* c) { return *c = thread_reader().next_character(); }

@@ -31,7 +31,7 @@ constexpr ExpNotation brief_notation = {"Exp::print_brief", "print_brief", false
 struct Layout {
   ExpForm form = ExpForm::none;
   bool is_runs = false;  // there is nothing to write beside these and the operands
-  PieceRun open;  // after what a node writes of its own
+  PieceRun open;         // after what a node writes of its own
   PieceRun before_second;
   PieceRun before_others;
   PieceRun close;
