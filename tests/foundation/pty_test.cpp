@@ -45,6 +45,26 @@ TEST(TmpPtyStream, LostTextIsMissingInTheCopy) {
   EXPECT_EQ(EBADF, copy.close());
 }
 
+TEST(PtyStream, WritesANameAsAnyText) {
+  const std::string room(8, '\xFF');  // behind a name, where nothing may be taken for its end
+  for (const std::string name : {"", "x", "1234567", "12345678", "\xC3\xA9t\xC3\xA9", "a\nb", "\f",
+                                 "a\tb", "1234567\n", "\n1234567"}) {
+    const std::string padded = name + '\0' + room;
+    for (int width = 1; width < 12; ++width) {
+      std::string as_text, as_name;
+      PtyStream texts(&as_text, width, nullptr);
+      PtyStream names(&as_name, width, nullptr);
+      for (int i = 0; i < 300; ++i) {  // more than a block
+        texts.put_text(name.c_str());
+        names.put_name(padded.c_str());
+      }
+      texts.flush();
+      names.flush();
+      EXPECT_EQ(as_text, as_name) << name << " in lines of " << width;
+    }
+  }
+}
+
 TEST(PieceRun, HoldsFourPiecesOfSixteenCharactersTogether) {
   EXPECT_EQ("1234567890123456", written([](PtyStream* out) {
               out->put(PieceRun({"123456789", "012345", "", "6"}));
