@@ -30,11 +30,13 @@ constexpr ExpNotation brief_notation = {"Exp::print_brief", "print_brief", false
 // one.
 struct Layout {
   ExpForm form = ExpForm::none;
-  bool is_runs = false;  // there is nothing to write beside these and the operands
-  PieceRun open;         // after what a node writes of its own
+  PieceRun open;  // after what a node writes of its own
   PieceRun before_second;
   PieceRun before_others;
   PieceRun close;
+
+  // Whether there is nothing to write beside these and the operands.
+  bool is_all() const { return form >= ExpForm::prefix && form <= ExpForm::list; }
 };
 
 Layout layout_of(const ExpKind& kind) {
@@ -42,36 +44,36 @@ Layout layout_of(const ExpKind& kind) {
   switch (kind.form) {
     case ExpForm::prefix:
     case ExpForm::list:
-      return {kind.form, true, {kind.keyword, "("}, comma, comma, {")"}};
+      return {kind.form, {kind.keyword, "("}, comma, comma, {")"}};
     case ExpForm::infix: {
       const PieceRun infix = {")", kind.keyword, "("};
-      return {kind.form, true, {"("}, infix, infix, {")"}};
+      return {kind.form, {"("}, infix, infix, {")"}};
     }
     case ExpForm::conditional:
-      return {kind.form, true, {" if ("}, {") then ("}, {") else ("}, {")"}};
+      return {kind.form, {" if ("}, {") then ("}, {") else ("}, {")"}};
     case ExpForm::projection:
-      return {kind.form, false, {")("}, comma, comma, {")"}};
+      return {kind.form, {")("}, comma, comma, {")"}};
     case ExpForm::call:
-      return {kind.form, false, {"("}, comma, comma, {")"}};
+      return {kind.form, {"("}, comma, comma, {")"}};
     case ExpForm::none:
     case ExpForm::leaf:
     case ExpForm::rational:
     case ExpForm::integer:
       break;
   }
-  return {kind.form, false, {}, {}, {}, {}};
+  return {kind.form, {}, {}, {}, {}};
 }
 
 Layout brief_layout_of(const ExpKind& kind) {
   switch (kind.form) {
     case ExpForm::prefix:
-      return {kind.form, true, {kind.keyword, is_letter(kind.keyword[0]) ? " " : ""}, {}, {}, {}};
+      return {kind.form, {kind.keyword, is_letter(kind.keyword[0]) ? " " : ""}, {}, {}, {}};
     case ExpForm::infix: {
       const PieceRun infix = {" ", kind.keyword, " "};
-      return {kind.form, true, {}, infix, infix, {}};
+      return {kind.form, {}, infix, infix, {}};
     }
     case ExpForm::conditional:
-      return {kind.form, true, {"if "}, {" then "}, {" else "}, {}};
+      return {kind.form, {"if "}, {" then "}, {" else "}, {}};
     default:
       return layout_of(kind);
   }
@@ -134,7 +136,7 @@ class ExpPrinter : public ExpVisitor {
     if (takes_tuple(parent)) return place == 0 && enter_arguments();
     if (exp->ident == 0 || (by_structure_ && parent == nullptr)) {
       const Layout& layout = layout_of(exp);
-      if (!is_plain_ || !layout.is_runs) return enter_node(exp, parent, place);
+      if (!is_plain_ || !layout.is_all()) return enter_node(exp, parent, place);
       out_->put(layout.open);
       return true;
     }
@@ -143,12 +145,12 @@ class ExpPrinter : public ExpVisitor {
   }
   void between(Exp* exp, int place) {
     const Layout& layout = layout_of(exp);
-    if (!layout.is_runs) return continue_node(exp, place);
+    if (!layout.is_all()) return continue_node(exp, place);
     out_->put(place == 1 ? layout.before_second : layout.before_others);
   }
   void leave(Exp* exp, Exp* parent) {
     const Layout& layout = layout_of(exp);
-    if (!is_plain_ || !layout.is_runs || takes_tuple(parent)) return leave_node(exp, parent);
+    if (!is_plain_ || !layout.is_all() || takes_tuple(parent)) return leave_node(exp, parent);
     out_->put(layout.close);
   }
 
