@@ -41,8 +41,11 @@ class ChunkArray {
     return *at(i);
   }
 
-  // The place of the item at `i`; null where it lies after all that were used. Adds nothing.
-  const Item* find(int i) const { return i < reached_ ? at(i) : nullptr; }
+  // The place of the item at `i`; null where that is no index, or lies after all that were used.
+  // Adds nothing.
+  const Item* find(int i) const {
+    return static_cast<unsigned>(i) < static_cast<unsigned>(reached_) ? at(i) : nullptr;
+  }
 
   // One more than the highest index used, counted from this chunk.
   int size() const {
