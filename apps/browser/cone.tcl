@@ -11,11 +11,14 @@ namespace eval ::tamselbrowser::cone {
   variable batch 500       ;# names that are asked about at once
 
   # The facts of some names as a dictionary: name -> {KIND TYPE CLOCK USERS NEEDS NOW}, USERS their
-  # number. A task.
-  proc facts {id names} {
+  # number; and those of before, which are not asked for again. A task.
+  proc facts {id names {facts {}}} {
     variable batch
     variable most_needs
-    set facts {}
+    set names [lmap name $names {
+      if {[dict exists $facts $name]} continue
+      set name
+    }]
     for {set i 0} {$i < [llength $names]} {incr i $batch} {
       set some [lrange $names $i [expr {$i + $batch - 1}]]
       set answers [program::ask_each $id $some "
@@ -30,9 +33,9 @@ namespace eval ::tamselbrowser::cone {
     return $facts
   }
 
-  # The facts of names and of what they need. A task.
-  proc facts_about {id names} {
-    set facts [facts $id $names]
+  # The facts of names and of what they need, and those of before. A task.
+  proc facts_about {id names {facts {}}} {
+    set facts [facts $id $names $facts]
     set others {}
     foreach name $names {
       foreach other [lindex [dict get $facts $name] 4] {
@@ -40,7 +43,7 @@ namespace eval ::tamselbrowser::cone {
       }
       work::pause 0 1
     }
-    dict merge $facts [facts $id [dict keys $others]]
+    facts $id [dict keys $others] $facts
   }
 
   # Whether the wires of a name are replaced by labels.
@@ -57,13 +60,15 @@ namespace eval ::tamselbrowser::cone {
   }
 
   # The names of one way of a cone, the nearest first, without those that are reached through labels
-  # alone; looks at no more than it takes to find `most`, where that is not 0. A task.
-  proc reach {id centre depth direction most} {
+  # alone; looks at no more than it takes to find `most`, where that is not 0. `facts` is a variable
+  # for what was asked for. A task.
+  proc reach {id centre depth direction most facts} {
+    upvar 1 $facts known
     set last [expr {$most == 0 ? "end" : 4 * $most}]
     set names [program::ask $id "lrange \[dict keys \[[question $id [list $centre] $depth \
       $direction]\]\] 0 $last"]
-    set facts [facts_about $id $names]
-    set near [neighbours $facts $names $direction]
+    set known [facts_about $id $names $known]
+    set near [neighbours $known $names $direction]
     set found [dict create $centre 0]
     set todo [list $centre]
     for {set i 0} {$i < [llength $todo]} {incr i} {
@@ -71,7 +76,7 @@ namespace eval ::tamselbrowser::cone {
       set steps [expr {[dict get $found $at] + 1}]
       if {$steps > $depth} break
       foreach name [dict get $near $at] {
-        if {[dict exists $found $name] || [is_label $facts $name]} continue
+        if {[dict exists $found $name] || [is_label $known $name]} continue
         dict set found $name $steps
         lappend todo $name
       }
@@ -99,22 +104,23 @@ namespace eval ::tamselbrowser::cone {
   }
 
   # The names of the cone about one, at most so many (0: all), and whether these are all:
-  # {NAMES IS_WHOLE}. `directions` has needs or users or both; each way on its own, so that what
-  # merely shares a need stays out. A task.
+  # {NAMES IS_WHOLE FACTS}, the facts being of these and of others. `directions` has needs or users or
+  # both; each way on its own, so that what merely shares a need stays out. A task.
   proc about {id centre depth directions most} {
-    set ways [lmap direction $directions {reach $id $centre $depth $direction $most}]
+    set facts {}
+    set ways [lmap direction $directions {reach $id $centre $depth $direction $most facts}]
     set longest [tcl::mathfunc::max {*}[lmap names $ways {llength $names}]]
     dict set items $centre 1
     # In turns, so that neither way takes all the room.
     for {set i 0} {$i < $longest} {incr i} {
       foreach names $ways {
         if {$i >= [llength $names]} continue
-        if {$most > 0 && [dict size $items] >= $most} {return [list [dict keys $items] 0]}
+        if {$most > 0 && [dict size $items] >= $most} {return [list [dict keys $items] 0 $facts]}
         dict set items [lindex $names $i] 1
       }
       work::pause $i $longest
     }
-    list [dict keys $items] 1
+    list [dict keys $items] 1 $facts
   }
 
   # The names on a shortest way between two: from what needs to what is needed, whichever is which;
@@ -155,21 +161,23 @@ namespace eval ::tamselbrowser::cone {
     lindex [lsort -integer -decreasing -index 1 $sizes] 0 0
   }
 
-  # What is to be drawn of some items, a dictionary. A task.
+  # What is to be drawn of some items, a dictionary, where `facts` of names are known. A task.
   #   items   the names
   #   facts   see `facts`
   #   edges   list of {FROM TO DELAYED}, DELAYED where only the past is needed
   #   labels  item -> the names that are written into its box
   #   before, after   item -> the names that it needs, and how many need it, that are not drawn
   # The wires of the names in `wired` are drawn in any case.
-  proc picture {id items wired} {
-    set facts [facts_about $id $items]
+  proc picture {id items wired facts} {
+    set facts [facts_about $id $items $facts]
+    set is_wired {}
+    foreach name $wired {dict set is_wired $name 1}
     foreach part {drawn edges labels before after} {set $part {}}
     foreach item $items {dict set drawn $item 0}
     foreach item $items {
       lassign [dict get $facts $item] _ _ _ _ needs now
       foreach name $needs {
-        if {$name ni $wired && [is_label $facts $name]} {
+        if {![dict exists $is_wired $name] && [is_label $facts $name]} {
           dict lappend labels $item $name
         } elseif {[dict exists $drawn $name]} {
           lappend edges [list $name $item [expr {$name ni $now}]]
@@ -182,7 +190,7 @@ namespace eval ::tamselbrowser::cone {
     }
     foreach item $items {
       set more [expr {[lindex [dict get $facts $item] 3] - [dict get $drawn $item]}]
-      if {$more > 0 && ($item in $wired || ![is_label $facts $item])} {dict set after $item $more}
+      if {$more > 0 && ([dict exists $is_wired $item] || ![is_label $facts $item])} {dict set after $item $more}
       work::pause 0 1
     }
     dict create items $items facts $facts edges $edges labels $labels before $before after $after

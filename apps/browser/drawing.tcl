@@ -18,12 +18,13 @@ namespace eval ::tamselbrowser::drawing {
   variable fonts {name 13 detail 11 heading 15}  ;# and their sizes in pixels
   variable widest 180                            ;# pixels of a text in a box
   variable printing {""}                         ;# the tasks that make files
-  # Widths of the characters from the blank on in Helvetica, in thousandths of its size.
-  variable widths {
+  # Widths of the characters in Helvetica, in thousandths of its size; the last is that of others.
+  variable widths [lrepeat 32 556]
+  lappend widths {*}{
     278 278 355 556 556 889 667 191 333 333 389 584 278 333 278 278 556 556 556 556 556 556 556 556
     556 556 278 278 584 584 584 556 1015 667 667 722 722 667 611 778 722 278 500 667 556 833 722 778
     667 778 722 667 611 722 667 944 667 667 611 278 278 278 469 556 333 556 556 500 556 556 278 556
-    556 222 222 500 222 833 556 556 556 556 333 500 278 556 500 722 500 500 500 334 260 334 584
+    556 222 222 500 222 833 556 556 556 556 333 500 278 556 500 722 500 500 500 334 260 334 584 556
   }
   # What the colours of boxes and wires say.
   variable legend {
@@ -36,10 +37,12 @@ namespace eval ::tamselbrowser::drawing {
     variable fonts
     variable widths
     set sum 0
-    foreach character [split $text ""] {
-      set width [lindex $widths [scan $character %c]-32]
-      incr sum [expr {$width eq "" ? 556 : $width}]
+    if {[string is ascii $text]} {
+      binary scan $text cu* codes
+    } else {
+      set codes [lmap character [split $text ""] {expr {min([scan $character %c], 127)}}]
     }
+    foreach code $codes {incr sum [lindex $widths $code]}
     expr {$sum * [dict get $fonts $font] * ($font eq "heading" ? 1.08 : 1.0) / 1000}
   }
 
@@ -327,18 +330,31 @@ namespace eval ::tamselbrowser::drawing {
       [tcl::mathfunc::max {*}$x] [tcl::mathfunc::max {*}$y]
   }
 
-  # The shapes of a drawing with its title above and, of a graph, the legend below. A task.
+  # The box about two boxes.
+  proc union {one other} {
+    lassign $one left top right bottom
+    lassign $other its_left its_top its_right its_bottom
+    list [expr {min($left, $its_left)}] [expr {min($top, $its_top)}] \
+      [expr {max($right, $its_right)}] [expr {max($bottom, $its_bottom)}]
+  }
+
+  # A drawing with its title above and, of a graph, the legend below: {SHAPES BOX}, the box being that
+  # about the shapes. A task.
   proc titled {drawing} {
+    set box [extent [dict get $drawing shapes]]
+    lassign $box left top _ bottom
+    set words [list [list text title $left [expr {$top - 22}] w heading [style::colour ink] \
+      [dict get $drawing title]]]
+    if {[dict get $drawing kind] eq "graph"} {
+      lappend words {*}[legend_shapes $left [expr {$bottom + 26}]]
+    }
+    list [concat [dict get $drawing shapes] $words] [union $box [extent $words]]
+  }
+  proc legend_shapes {x y} {
     variable legend
     variable legend_more
-    set shapes [dict get $drawing shapes]
-    lassign [extent $shapes] left top right bottom
     set faint [style::colour faint]
-    lappend shapes [list text title $left [expr {$top - 22}] w heading [style::colour ink] \
-      [dict get $drawing title]]
-    if {[dict get $drawing kind] ne "graph"} {return $shapes}
-    set x $left
-    set y [expr {$bottom + 26}]
+    set shapes {}
     foreach {colour text} $legend {
       set colour [style::colour $colour]
       lappend shapes [list box legend $x [expr {$y - 5}] [expr {$x + 11}] [expr {$y + 6}] 2 \

@@ -20,7 +20,7 @@ namespace eval ::tamselbrowser::export {
 
   # Numbers with one decimal.
   proc short {numbers} {
-    lmap number $numbers {format %.1f $number}
+    format [lrepeat [llength $numbers] %.1f] {*}$numbers
   }
 
   # Cuts the end of a curve back to where its arrowhead begins: {POINTS HEAD}, HEAD being the four
@@ -41,11 +41,13 @@ namespace eval ::tamselbrowser::export {
   # Where a text begins: {X Y}, the left end of its base line.
   proc text_origin {x y anchor font string} {
     set size [dict get $::tamselbrowser::drawing::fonts $font]
-    set width [drawing::width $font $string]
-    set before [expr {[string match *w $anchor] ? 0 : $anchor eq "center" ? 0.5 : 1}]
+    if {![string match *w $anchor]} {
+      set width [drawing::width $font $string]
+      set x [expr {$x - ($anchor eq "center" ? 0.5 : 1) * $width}]
+    }
     # From where the text is anchored to its base line, in parts of its size.
     set rise [expr {[string match n* $anchor] ? 0.95 : [string match s* $anchor] ? -0.25 : 0.36}]
-    list [expr {$x - $before * $width}] [expr {$y + $rise * $size}]
+    list $x [expr {$y + $rise * $size}]
   }
 
   # A shape as lines of SVG.
@@ -74,18 +76,18 @@ namespace eval ::tamselbrowser::export {
       lengthAdjust=\"spacingAndGlyphs\">[escape $string]</text>"
   }
 
-  # {LEFT TOP WIDTH HEIGHT} of shapes with the margin.
-  proc page {shapes} {
+  # {LEFT TOP WIDTH HEIGHT} of a box with the margin.
+  proc page {box} {
     variable margin
-    lassign [drawing::extent $shapes] left top right bottom
+    lassign $box left top right bottom
     list [expr {$left - $margin}] [expr {$top - $margin}] \
       [expr {$right - $left + 2 * $margin}] [expr {$bottom - $top + 2 * $margin}]
   }
 
   # A drawing as the text of an SVG file. A task, as are those below.
   proc svg {drawing} {
-    set shapes [drawing::titled $drawing]
-    lassign [short [page $shapes]] left top width height
+    lassign [drawing::titled $drawing] shapes box
+    lassign [short [page $box]] left top width height
     set lines [list "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"$width\" height=\"$height\"\
       viewBox=\"$left $top $width $height\" font-family=\"Helvetica, Arial, sans-serif\"\
       xml:space=\"preserve\">" "<title>[escape [dict get $drawing title]]</title>" \
@@ -149,8 +151,8 @@ namespace eval ::tamselbrowser::export {
   # A drawing as the bytes of a PDF file of one page, as large as the drawing.
   proc pdf {drawing} {
     variable largest
-    set shapes [drawing::titled $drawing]
-    lassign [page $shapes] left top width height
+    lassign [drawing::titled $drawing] shapes box
+    lassign [page $box] left top width height
     # Pixels of 1/96 inch.
     set scale [expr {min(0.75, $largest / max($width, $height, 1.0))}]
     set lines [list [format "%.4f 0 0 %.4f %.1f %.1f cm" $scale [expr {-$scale}] \

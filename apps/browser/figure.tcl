@@ -49,17 +49,18 @@ namespace eval ::tamselbrowser::figure {
     variable directions
     dict with figure {}
     set is_whole 1
+    set facts {}
     switch -- $scope {
       whole {lassign [cone::whole $id $most] items is_whole}
       path {set items [cone::path $id $name $to]}
       default {
         lassign [cone::about $id $name $steps [dict get $directions $scope] $most] \
-          items is_whole
+          items is_whole facts
       }
     }
     foreach other $extra {if {$other ni $items} {lappend items $other}}
     set wired [expr {$scope eq "path" ? $items : $scope eq "whole" ? $extra : [list $name {*}$extra]}]
-    list [cone::picture $id $items $wired] $is_whole
+    list [cone::picture $id $items $wired $facts] $is_whole
   }
 
   # The inputs or outputs of a program: a list of {NAME TYPE CLOCK}. A task.
