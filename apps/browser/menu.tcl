@@ -3,47 +3,60 @@
 namespace eval ::tamselbrowser::menu {
   namespace path ::tamselbrowser
 
-  # Gives a widget the menu: `command` answers the name under the mouse, or "" for the chosen one. It
-  # may have %x and %y.
+  variable about {}  ;# what is known of the name that the menu is for, see shown.tcl
+
+  # Gives a widget the menu: `command` answers the name under the mouse. It may have %x and %y. Keys
+  # are for the chosen name.
   proc on {widget command} {
     bind $widget <Button-3> [namespace code "post \[$command\] %X %Y"]
     foreach key {Menu Shift-F10} {
-      bind $widget <$key> [namespace code {post "" [winfo rootx %W] [winfo rooty %W]}]
+      # Not F10 as well, which opens the menus of the window.
+      bind $widget <$key> "[namespace code {post [shown::name] [winfo rootx %W] [winfo rooty %W]}]; break"
     }
   }
 
   proc post {name x y} {
-    if {$name eq ""} {set name [shown::name]}
     set id [shown::program]
     if {$name eq "" || $id eq "" || ![program::is_good $id]} return
-    fill $id $name
+    work::start menu "" [namespace code [list post_filled $id $name $x $y]]
+  }
+  # A text that is no name has no menu. A task.
+  proc post_filled {id name x y} {
+    try {
+      fill $id $name
+    } trap {TAMSEL LOOKUP} {} return
     tk_popup .context $x $y
   }
 
-  # Makes the menu of a name.
+  # Makes the menu of a name: rows of a label, whether there is anything to do, a command. Fails where
+  # the program does not declare it.
   proc fill {id name} {
+    variable about [shown::ask_about $id $name]
+    set chosen [shown::name]
+    set has_equation [dict get $about equation]
+    set is_drawn [expr {[dict get $about kind] ni {function type}}]
     destroy .context
     set menu [::menu .context -tearoff 0]
-    set chosen [shown::name]
-    foreach {label command} [list \
-      "Copy name" [list copy $name] \
-      "Copy equation" [list copy_equation $id $name] \
-      - {} \
-      "Show users" [list list_names $id $name users "users of"] \
-      "Show what it needs" [list list_names $id $name needs "needs of"] \
-      "Draw its cone" [list shown::tell draw $name] \
-      "Draw the path from $chosen" [list shown::tell path $chosen $name] \
-      - {} \
-      "Go to its declaration" [list go_to $id $name line] \
-      "Go to its equation" [list go_to $id $name equation-line] \
-      "Open in \$EDITOR" [list edit $id $name]] {
+    foreach {label is_apt command} [list \
+      "Copy name" 1 [list copy $name] \
+      "Copy equation" $has_equation [list copy_equation $name] \
+      - 1 {} \
+      "Show users" [dict get $about user_count] [list list_names $id $name users "users of"] \
+      "Show what it needs" $has_equation [list list_names $id $name needs "needs of"] \
+      "Draw its cone" $is_drawn [list shown::tell draw $name] \
+      "Draw the path from $chosen" [expr {$is_drawn && $chosen ni [list "" $name]}] \
+        [list shown::tell path $chosen $name] \
+      - 1 {} \
+      "Go to its declaration" [dict get $about line] [list go_to line] \
+      "Go to its equation" $has_equation [list go_to equation-line] \
+      "Open in \$EDITOR" 1 [list edit $id]] {
       if {$label eq "-"} {
         $menu add separator
       } else {
-        $menu add command -label $label -command [namespace code $command]
+        $menu add command -label $label -command [namespace code $command] \
+          -state [expr {$is_apt ? "normal" : "disabled"}]
       }
     }
-    if {$chosen in [list "" $name]} {$menu entryconfigure "Draw the path*" -state disabled}
     return $menu
   }
 
@@ -52,11 +65,8 @@ namespace eval ::tamselbrowser::menu {
     clipboard append $text
     shown::tell status "Copied: [string range $text 0 80]"
   }
-  proc copy_equation {id name} {
-    work::start copy "" [namespace code [list find_equation $id $name]]
-  }
-  proc find_equation {id name} {
-    set about [shown::ask_about $id $name]
+  proc copy_equation {name} {
+    variable about
     copy [equation $name $about]
   }
 
@@ -73,28 +83,25 @@ namespace eval ::tamselbrowser::menu {
     shown::tell rows "$title $name" [program::question $id $subcommand $name]
   }
 
-  # Shows where the file declares or defines a name.
-  proc go_to {id name key} {
-    work::start place "" [namespace code [list find_place $id $name $key]]
-  }
-  proc find_place {id name key} {
-    set line [dict get [shown::ask_about $id $name] $key]
-    if {$line > 0} {shown::tell place $line 0}
+  # Shows where the file declares or defines the name.
+  proc go_to {key} {
+    variable about
+    shown::tell place [dict get $about $key] 0
   }
 
-  # Opens the file where a name is defined. An editor of the terminal gets one.
-  proc edit {id name} {
-    work::start edit "" [namespace code [list start_editor $id $name]]
-  }
-  proc start_editor {id name} {
+  # Opens the file where the name is defined. An editor of the terminal gets one.
+  proc edit {id} {
     global env
-    set about [shown::ask_about $id $name]
-    set line [expr {[dict get $about equation] ? [dict get $about equation-line]
-      : [dict get $about line]}]
+    variable about
+    set line [dict get $about [expr {[dict get $about equation] ? "equation-line" : "line"}]]
     foreach {variable terminal} {VISUAL {} EDITOR {x-terminal-emulator -e}} {
       if {![info exists env($variable)] || $env($variable) eq ""} continue
       if {$terminal ne "" && [auto_execok [lindex $terminal 0]] eq ""} {set terminal {}}
-      exec {*}$terminal {*}$env($variable) +$line [program::its $id file] &
+      try {
+        exec {*}$terminal {*}$env($variable) +$line [program::its $id file] &
+      } on error {result options} {
+        shown::tell failed "Could not start the editor" [list [list $env($variable) $result $options]]
+      }
       return
     }
     shown::tell status "There is no editor: set EDITOR or VISUAL."

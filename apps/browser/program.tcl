@@ -67,6 +67,7 @@ namespace eval ::tamselbrowser::program {
   proc look_at {file} {
     variable takes_special
     file stat $file facts
+    if {$facts(type) eq "directory"} {throw {POSIX EISDIR {is a folder}} "is a folder"}
     if {$facts(type) ne "file" && !$takes_special} {
       throw {TAMSELBROWSER SPECIAL} \
         "It is not a regular file ($facts(type)); the option --special would read it."

@@ -35,10 +35,12 @@ namespace eval ::tamselbrowser::report {
 
   # One failure as text: where, then what.
   proc describe {file result options} {
-    lassign [explain $result [dict get $options -errorcode]] what line column
+    lassign [explain $result [dict get $options -errorcode]] what line
     if {$file eq ""} {return $what}
-    if {$line == 0} {return "$file\n$what"}
-    return "$file, line $line\n$what"
+    place $file $line $what
+  }
+  proc place {file line what} {
+    return "$file[expr {$line > 0 ? ", line $line" : ""}]\n$what"
   }
 
   # Shows a dialog; `action` is what could not be done, `failures` a list of {FILE RESULT OPTIONS}.

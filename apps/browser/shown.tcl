@@ -86,7 +86,11 @@ namespace eval ::tamselbrowser::shown {
     variable about
     try {
       set found [ask_about $id $new]
-    } trap {TAMSEL LOOKUP} {} return
+    } trap {TAMSEL LOOKUP} {} {
+      # A click in a text may be on any word.
+      if {$origin eq "history"} {tell status "There is no $new in [program::label $id]."}
+      return
+    }
     set about $found
     set name $new
     if {$origin ne "history"} {note $id $new}

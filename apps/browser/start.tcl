@@ -122,7 +122,7 @@ Shows EC programs in a window.
     program::load $id
     if {![program::is_good $id]} {
       set trouble [program::its $id trouble]
-      fail "[program::its $id file], line [dict get $trouble line]\n[dict get $trouble message]"
+      fail [report::place [program::its $id file] [dict get $trouble line] [dict get $trouble message]]
     }
     set figure [figure $id $options]
     if {[catch {figure::write $id $figure $format $path} result detail]} {

@@ -300,7 +300,7 @@ namespace eval ::tamselbrowser::view::graph {
   proc open_more {side number} {
     variable picture
     variable figure
-    variable is_due 1
+    variable is_due
     set id [shown::program]
     set name [lindex [names] $number]
     set more [drawing::part $picture before $name]
@@ -310,6 +310,7 @@ namespace eval ::tamselbrowser::view::graph {
       return
     }
     program::say $id [program::question $id needs $name]
+    set is_due 1
     draw_now [concat [dict get $figure extra] [lrange $more 0 2]]
   }
   # The same for those that need a name. A task.

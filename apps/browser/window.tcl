@@ -295,9 +295,12 @@ namespace eval ::tamselbrowser::window {
   }
   # The keys go to the next of the large parts.
   proc next_pane {} {
-    set panes [list .body.left.programs.widget .body.left.table.rows.widget .body.right.tabs \
-      .body.right.below .expression.line]
-    focus [lindex $panes [expr {([lsearch -exact $panes [focus]] + 1) % [llength $panes]}]]
+    set panes {
+      .body.left.programs .body.left.programs.widget  .body.left.table .body.left.table.rows.widget
+      .body.right.tabs .body.right.tabs  .body.right.below .body.right.below  .expression .expression.line
+    }
+    set at [lsearch -exact [lmap pane [dict keys $panes] {string match $pane* [focus]}] 1]
+    focus [lindex [dict values $panes] [expr {($at + 1) % [dict size $panes]}]]
   }
 
   proc create_menus {} {

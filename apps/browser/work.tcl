@@ -90,7 +90,7 @@ namespace eval ::tamselbrowser::work {
     } trap {TAMSELBROWSER REPLACED} {} {
     } trap {TAMSELBROWSER GONE} {} {
     } on error {result options} {
-      shown::tell failed "Not finished: $title" [list [list "" $result $options]]
+      shown::tell failed [expr {$title eq "" ? "Something went wrong" : "Not finished: $title"}] [list [list "" $result $options]]
     } finally {
       unset -nocomplain ending($me)
       if {[dict exists $tasks $key] && [lindex [dict get $tasks $key] 0] eq $me} {
