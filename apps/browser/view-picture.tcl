@@ -20,12 +20,13 @@ namespace eval ::tamselbrowser::view::picture {
       / double([font metrics tamselbrowser.unit.name -linespace]) * 0.97}
   }
 
-  # The fonts of drawings: tamselbrowser.name and so on, and those of scale 1 to measure by.
+  # The fonts of drawings: tamselbrowser.name and so on, and those of scale 1 to measure by. Tk opens
+  # a font that no widget has anew for each question, which takes a hundred times as long.
   proc make_fonts {} {
     dict for {name size} $::tamselbrowser::drawing::fonts {
       set weight [expr {$name eq "heading" ? "bold" : "normal"}]
       style::derive $name TkDefaultFont -weight $weight -size -$size
-      style::derive unit.$name TkDefaultFont -weight $weight -size -$size
+      label .unit-$name -font [style::derive unit.$name TkDefaultFont -weight $weight -size -$size]
     }
   }
   proc width {font text} {
