@@ -35,6 +35,11 @@ namespace eval ::tamselbrowser::style {
     expr {round($number * [tk scaling] * 72 / 96.0)}
   }
 
+  # The width of so many letters of the usual size.
+  proc letters {number} {
+    expr {round($number * [font measure TkDefaultFont n])}
+  }
+
   # Takes the platform's fonts `larger` points larger than they are.
   proc set_fonts {larger} {
     variable sizes
@@ -100,6 +105,7 @@ namespace eval ::tamselbrowser::style {
     # Its frame has the border.
     ttk::style layout Treeview {Treeview.treearea -sticky nswe}
     ttk::style configure Treeview -background $paper -fieldbackground $paper -indent [px 16]
+    ttk::style configure Item -indicatorsize [px 12]
     ttk::style map Treeview -background [list selected $accent] -foreground [list selected $paper]
     ttk::style configure Treeview.Heading -background $frame -relief flat -padding [px 3] \
       -foreground $faint

@@ -65,9 +65,9 @@ namespace eval ::tamselbrowser::view::findings {
   proc create {frame} {
     variable tree [style::scrolled $frame \
       {ttk::treeview -columns {line severity kind message} -show headings -selectmode browse -height 3} y]
-    foreach {column width} {line 50 severity 70 kind 70 message 500} {
+    foreach {column width} {line 6 severity 10 kind 8 message 60} {
       $tree heading $column -text [string totitle $column] -anchor w
-      $tree column $column -width [style::px $width] -stretch [expr {$column eq "message"}]
+      $tree column $column -width [style::letters $width] -stretch [expr {$column eq "message"}]
     }
     $tree tag configure error -foreground [style::colour error]
     bind $tree <<TreeviewSelect>> [namespace code chosen]

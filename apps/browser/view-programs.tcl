@@ -79,8 +79,8 @@ namespace eval ::tamselbrowser::view::programs {
   proc create {frame} {
     variable tree [style::scrolled $frame \
       {ttk::treeview -columns count -show tree -selectmode browse -height 9} y]
-    $tree column #0 -width [style::px 200]
-    $tree column count -width [style::px 70] -anchor e -stretch 0
+    $tree column #0 -width [style::letters 24]
+    $tree column count -width [style::letters 9] -anchor e -stretch 0
     $tree tag configure wrong -foreground [style::colour error]
     $tree tag configure listed -foreground [style::colour faint]
     bind $tree <<TreeviewSelect>> [namespace code chosen]

@@ -317,6 +317,13 @@ namespace eval ::tamselbrowser::view::table {
     menu::on $tree [namespace code {pointed %y}]
   }
 
+  # Makes the columns as wide as the letters ask for.
+  proc size_columns {} {
+    variable tree
+    variable columns
+    foreach column $columns width {18 11 8 9} {$tree column $column -width [style::letters $width]}
+  }
+
   proc create {window} {
     variable frame $window
     variable tree
@@ -329,10 +336,11 @@ namespace eval ::tamselbrowser::view::table {
       [list ttk::treeview -columns $columns -show headings -selectmode browse -height 4] ""]
     ttk::scrollbar $frame.rows.y -orient vertical -command [namespace code scroll]
     grid $frame.rows.y -row 0 -column 1 -sticky ns
-    foreach column $columns width {140 80 60 64} {
-      $tree column $column -width [style::px $width] -minwidth [style::px 30]
+    foreach column $columns {
+      $tree column $column -minwidth [style::px 30]
       $tree heading $column -anchor w -command [namespace code [list sort_by $column]]
     }
+    size_columns
     grid $frame.label $frame.filter $frame.count -padx [list 0 [style::px 6]] \
       -pady [style::px 4] -sticky ew
     grid $frame.rows -columnspan 3 -sticky nsew

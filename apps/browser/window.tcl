@@ -8,7 +8,8 @@ namespace eval ::tamselbrowser::window {
   variable types {{"EC programs" {.ec .ectext}} {"All files" *}}
   variable most_files 2000
 
-  # The programs among files and folders, those of folders by name, as far down as there are any.
+  # The programs among files and folders, those of folders by name, as far down as there are any. Looks
+  # no further where there are too many. A task.
   proc files_of {paths} {
     variable most_files
     set files {}
@@ -25,18 +26,17 @@ namespace eval ::tamselbrowser::window {
       }
       work::pause -1 0
     }
-    if {[llength $files] > $most_files} {
-      shown::tell status "There are more programs than $most_files; the first of them are listed."
-    }
-    lrange $files 0 $most_files-1
+    return $files
   }
 
   # Lists files, shows the first of them with a name chosen, and reads the others that were named
   # themselves. A task.
   proc open_files {paths {name ""}} {
+    variable most_files
     set failures {}
     set ids {}
-    foreach file [files_of $paths] {
+    set files [files_of $paths]
+    foreach file [lrange $files 0 $most_files-1] {
       try {
         lappend ids [program::open $file]
       } on error {result options} {
@@ -52,6 +52,9 @@ namespace eval ::tamselbrowser::window {
         : "Could not open $count files"}] $failures
     }
     if {$ids eq "" && $failures eq ""} {shown::tell status "There are no EC programs."}
+    if {[llength $files] > $most_files} {
+      shown::tell status "There are more programs than $most_files; the first of them are listed."
+    }
     set named [lmap path $paths {file normalize $path}]
     foreach id [lrange $ids 1 end] {
       if {[program::exists $id] && [program::its $id file] in $named} {read_ahead $id}
@@ -182,6 +185,8 @@ namespace eval ::tamselbrowser::window {
   # Says in the title which program is shown, and in the tab how much is wrong with it.
   proc current {id} {
     wm title . [expr {$id eq "" ? "Tamsel" : "[program::label $id] \u2013 Tamsel"}]
+    # What it says may be about another.
+    status ""
     .body.right.below tab 1 -text "Findings"
   }
   proc found {id} {
@@ -210,6 +215,7 @@ namespace eval ::tamselbrowser::window {
     variable larger
     set larger [expr {$by == 0 ? 0 : min(24, max(-4, $larger + $by))}]
     style::set_fonts $larger
+    view::table::size_columns
     event generate .body.left.table.rows.widget <Configure>
     view::graph::fit
   }
