@@ -69,6 +69,9 @@ Shows EC programs in a window.
     if {[info exists steps] && ![regexp {^[1-9]\d*$} $steps]} {error "--steps wants a number"}
     if {[info exists export] && $files eq ""} {error "--export wants a program"}
     if {[info exists path] && ![info exists name]} {error "--path wants a --name, too"}
+    if {[info exists export] && [info exists show] && $show ne "whole" && ![info exists name]} {
+      error "--show $show wants a --name, too"
+    }
   }
 
   # Makes the window. Tk is loaded.
@@ -89,6 +92,16 @@ Shows EC programs in a window.
     if {[dict exists $options show]} {view::graph::want [dict get $options show]}
   }
 
+  # Fails unless there is a picture about a name.
+  proc check_name {id name} {
+    try {
+      set kind [dict get [program::ask $id [program::question $id describe $name]] kind]
+    } trap {TAMSEL LOOKUP} {} {
+      error "there is no $name in it"
+    }
+    if {$kind in {function type}} {error "$name is a $kind; pictures are of variables and constants"}
+  }
+
   # What a picture is to be of, as the command line says; see figure.tcl.
   proc figure {id options} {
     set figure [dict merge {name "" steps 2 show both path ""} $options]
@@ -101,9 +114,7 @@ Shows EC programs in a window.
     if {[dict get $figure path] ne ""} {dict set figure scope path}
     if {[dict exists $options symbol]} {dict set figure scope symbol}
     foreach name [list [dict get $figure name] [dict get $figure path]] {
-      if {$name ne "" && [catch {program::ask $id [list tamsel describe [program::its $id object] $name]}]} {
-        error "there is no $name in it"
-      }
+      if {$name ne ""} {check_name $id $name}
     }
     dict merge [dict filter $figure key scope name to steps] \
       [dict create extra {} chosen [dict get $figure name] most 0]
