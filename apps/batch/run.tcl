@@ -9,6 +9,9 @@ namespace eval run {
     variable progress 0     ;# whether to show any
     variable complete {}    ;# the jobs that are known to be done
     variable complete_count 0
+    variable logins {}      ;# the hosts of --sshloginfile, as their lines have them
+    variable probes {}      ;# the channels to those that have not yet said whether a worker could work there
+    variable useless 0      ;# whether none could on one of them
 }
 
 # What parallel is told about hosts.
@@ -16,14 +19,21 @@ proc run::hosts {options} {
     set path [dict get $options sshloginfile]
     if {$path eq ""} {return {--sshlogin :}}
     set words [list --sshloginfile $::state::folder/hosts]
-    foreach name [concat {LC_ALL TCLSH TCLLIBPATH QUAREL_INSTALL} [array names ::env TAMSEL_*]] {
-        if {[info exists ::env($name)]} {lappend words --env $name}
-    }
+    foreach name [passed_on] {lappend words --env $name}
     return $words
+}
+
+# The variables of the environment that workers on other hosts have, too.
+proc run::passed_on {} {
+    lmap name [concat {LC_ALL TCLSH TCLLIBPATH QUAREL_INSTALL} [array names ::env TAMSEL_*]] {
+        if {![info exists ::env($name)]} continue
+        set name
+    }
 }
 
 # Reads the list of hosts, once, since it may be a pipe. Returns how many there are.
 proc run::read_hosts {path} {
+    variable logins
     try {
         set channel [open_bytes $path r]
         set lines [read $channel]
@@ -31,12 +41,12 @@ proc run::read_hosts {path} {
     } trap POSIX {} {
         options::refuse "cannot read the list of hosts '$path'"
     }
-    set count [llength [lsearch -all -regexp [split $lines \n] {^[^#]}]]
-    if {!$count} {options::refuse "there is no host in '$path'"}
+    set logins [lsearch -all -inline -regexp [split $lines \n] {^[^#]}]
+    if {![llength $logins]} {options::refuse "there is no host in '$path'"}
     set channel [open_bytes $::state::folder/hosts w]
     puts -nonewline $channel $lines
     close $channel
-    return $count
+    llength $logins
 }
 
 # Loads the library where the workers of this host will do so: that it can be loaded, and which it is.
@@ -51,14 +61,55 @@ proc run::load_library {options} {
     }
 }
 
-# Looks whether a worker could work on every host.
+# The command that runs a shell on a host, given its line; none for lines of a kind that only GNU parallel reads.
+proc run::shell_on {login} {
+    regsub {^\d+/} [string trim $login] {} login
+    set ssh [expr {[info exists ::env(PARALLEL_SSH)] ? $::env(PARALLEL_SSH) : "ssh"}]
+    if {$login eq ":"} {return sh}
+    if {[regexp {^\w[\w.@-]*$} $login]} {return [concat $ssh $login sh]}
+    if {[regexp {^[\w./-]+ [\w./@:=+ -]+$} $login]} {return [concat $login sh]}
+}
+
+# Looks whether a worker could work on every host, all at once. GNU parallel would need two more starts of its own for
+# that. The jobs of a host that is not looked at, or goes down later, are done by another.
 proc run::probe {options} {
-    set path [dict get $options sshloginfile]
-    if {$path eq ""} return
-    set look {"$TCLSH" "$TAMSEL_BATCH_HOME/reader.tcl" "$TAMSEL_BATCH_STATE"}
-    if {[catch {exec parallel --plain {*}[hosts $options] --nonall --tag $look >@stderr 2>@stderr </dev/null}]} {
+    variable logins
+    variable probes
+    variable useless
+    # On standard input, as login shells differ in how they quote.
+    set script ""
+    foreach name [passed_on] {append script "export $name='[string map {' '\\''} $::env($name)]'\n"}
+    append script {exec "$TCLSH" "$TAMSEL_BATCH_HOME/reader.tcl" "$TAMSEL_BATCH_STATE" </dev/null}
+    foreach login $logins {
+        set command [shell_on $login]
+        if {![llength $command]} continue
+        if {[catch {open |[concat $command [list << $script 2>@1]] r} host]} {
+            puts stderr "$login: $host"
+            set useless 1
+            continue
+        }
+        fconfigure $host -translation binary -blocking 0
+        fileevent $host readable [list run::hear_host $host $login]
+        lappend probes $host
+    }
+    while {[llength $probes]} {vwait ::run::probes}
+    if {$useless} {
         state::withdraw
-        state::give_up "a host in '$path' is of no use; it needs ssh without questions, Tamsel, GNU parallel and these folders"
+        state::give_up "a host in '[dict get $options sshloginfile]' is of no use;\
+            it needs ssh without questions, Tamsel, GNU parallel and these folders"
+    }
+}
+
+# A host has something to say, or has found that a worker could work there.
+proc run::hear_host {host login} {
+    variable probes
+    variable useless
+    if {[gets $host line] >= 0} {
+        puts stderr "$login: $line"
+    } elseif {[eof $host]} {
+        fconfigure $host -blocking 1
+        if {[catch {close $host}]} {set useless 1}
+        set probes [lsearch -all -inline -exact -not $probes $host]
     }
 }
 
@@ -174,6 +225,8 @@ proc run::leave {} {
 
 proc run::stop {} {
     variable parallel
+    variable probes
+    foreach host $probes {catch {exec sh -c "kill [pid $host]" 2>/dev/null}}
     if {$parallel eq ""} return
     catch {close $parallel write}
     set process [pid $parallel]

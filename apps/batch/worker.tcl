@@ -67,7 +67,7 @@ set timeout [dict get $settings timeout]
 set deaths {}
 while 1 {
     switch [set status [read_job $timeout]] {
-        TIMEOUT {pass_over timeout "not done within $timeout seconds"}
+        TIMEOUT {pass_over timeout "not done within $timeout second[expr {$timeout == 1 ? "" : "s"}]"}
         DEATH {
             # One death may come from outside, and perhaps a second. The third in the same place is the file's.
             lappend deaths [llength [read_items records/$job]]
