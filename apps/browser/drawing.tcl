@@ -303,6 +303,11 @@ namespace eval ::tamselbrowser::drawing {
     dict create title $title kind symbol shapes $shapes names $names wires {}
   }
 
+  proc bounds {x y} {
+    list [tcl::mathfunc::min {*}$x] [tcl::mathfunc::min {*}$y] \
+      [tcl::mathfunc::max {*}$x] [tcl::mathfunc::max {*}$y]
+  }
+
   # The box about some shapes: {LEFT TOP RIGHT BOTTOM}. A task.
   proc extent {shapes} {
     variable fonts
@@ -323,32 +328,29 @@ namespace eval ::tamselbrowser::drawing {
           lappend y [expr {$b - [dict get $fonts $font]}] [expr {$b + [dict get $fonts $font]}]
         }
       }
-      work::pause 0 1
+      if {[llength $x] > 1000} {
+        lassign [bounds $x $y] left top right bottom
+        lassign [list [list $left $right] [list $top $bottom]] x y
+        work::pause 0 1
+      }
     }
     if {$x eq ""} {return {0 0 1 1}}
-    list [tcl::mathfunc::min {*}$x] [tcl::mathfunc::min {*}$y] \
-      [tcl::mathfunc::max {*}$x] [tcl::mathfunc::max {*}$y]
-  }
-
-  # The box about two boxes.
-  proc union {one other} {
-    lassign $one left top right bottom
-    lassign $other its_left its_top its_right its_bottom
-    list [expr {min($left, $its_left)}] [expr {min($top, $its_top)}] \
-      [expr {max($right, $its_right)}] [expr {max($bottom, $its_bottom)}]
+    bounds $x $y
   }
 
   # A drawing with its title above and, of a graph, the legend below: {SHAPES BOX}, the box being that
   # about the shapes. A task.
   proc titled {drawing} {
     set box [extent [dict get $drawing shapes]]
-    lassign $box left top _ bottom
+    lassign $box left top right bottom
     set words [list [list text title $left [expr {$top - 22}] w heading [style::colour ink] \
       [dict get $drawing title]]]
     if {[dict get $drawing kind] eq "graph"} {
       lappend words {*}[legend_shapes $left [expr {$bottom + 26}]]
     }
-    list [concat [dict get $drawing shapes] $words] [union $box [extent $words]]
+    lassign [extent $words] its_left its_top its_right its_bottom
+    list [concat [dict get $drawing shapes] $words] \
+      [bounds [list $left $its_left $right $its_right] [list $top $its_top $bottom $its_bottom]]
   }
   proc legend_shapes {x y} {
     variable legend

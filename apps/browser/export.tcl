@@ -84,7 +84,7 @@ namespace eval ::tamselbrowser::export {
       [expr {$right - $left + 2 * $margin}] [expr {$bottom - $top + 2 * $margin}]
   }
 
-  # A drawing as the text of an SVG file. A task, as are those below.
+  # A drawing as the lines of an SVG file. A task, as are those below.
   proc svg {drawing} {
     lassign [drawing::titled $drawing] shapes box
     lassign [short [page $box]] left top width height
@@ -96,7 +96,7 @@ namespace eval ::tamselbrowser::export {
       lappend lines [svg_[lindex $shape 0] {*}[lrange $shape 1 end]]
       work::pause [llength $lines] [llength $shapes]
     }
-    join [lappend lines </svg> ""] \n
+    lappend lines </svg>
   }
 
   # A colour as PDF says it.
@@ -148,42 +148,47 @@ namespace eval ::tamselbrowser::export {
       [pdf_string $string] Tj ET"
   }
 
-  # A drawing as the bytes of a PDF file of one page, as large as the drawing.
+  # A drawing as the lines of a PDF file of one page, as large as the drawing.
   proc pdf {drawing} {
     variable largest
     lassign [drawing::titled $drawing] shapes box
     lassign [page $box] left top width height
     # Pixels of 1/96 inch.
     set scale [expr {min(0.75, $largest / max($width, $height, 1.0))}]
-    set lines [list [format "%.4f 0 0 %.4f %.1f %.1f cm" $scale [expr {-$scale}] \
+    set lines [list stream [format "%.4f 0 0 %.4f %.1f %.1f cm" $scale [expr {-$scale}] \
       [expr {-$left * $scale}] [expr {($top + $height) * $scale}]]]
+    set length [string length [lindex $lines end]]
     foreach shape $shapes {
-      lappend lines [pdf_[lindex $shape 0] {*}[lrange $shape 1 end]]
+      lappend lines [set line [pdf_[lindex $shape 0] {*}[lrange $shape 1 end]]]
+      incr length [expr {[string length $line] + 1}]
       work::pause [llength $lines] [llength $shapes]
     }
-    set content [join $lines \n]
     set size [short [list [expr {$width * $scale}] [expr {$height * $scale}]]]
-    pdf_file [list "<< /Type /Catalog /Pages 2 0 R >>" \
-      "<< /Type /Pages /Kids \[3 0 R\] /Count 1 >>" \
-      "<< /Type /Page /Parent 2 0 R /MediaBox \[0 0 $size\] /Contents 4 0 R\
-        /Resources << /Font << /F1 5 0 R /F2 6 0 R >> >> >>" \
-      "<< /Length [string length $content] >>\nstream\n$content\nendstream" \
-      {*}[lmap face {Helvetica Helvetica-Bold} {string cat \
+    pdf_file [list [list "<< /Type /Catalog /Pages 2 0 R >>"] \
+      [list "<< /Type /Pages /Kids \[3 0 R\] /Count 1 >>"] \
+      [list "<< /Type /Page /Parent 2 0 R /MediaBox \[0 0 $size\] /Contents 4 0 R\
+        /Resources << /Font << /F1 5 0 R /F2 6 0 R >> >> >>"] \
+      [list "<< /Length $length >>" {*}$lines endstream] \
+      {*}[lmap face {Helvetica Helvetica-Bold} {list \
         "<< /Type /Font /Subtype /Type1 /BaseFont /$face /Encoding /WinAnsiEncoding >>"}] \
-      "<< /Title [pdf_string [dict get $drawing title]] /Producer (tamsel-browser) >>"]
+      [list "<< /Title [pdf_string [dict get $drawing title]] /Producer (tamsel-browser) >>"]]
   }
-  # A file of these objects: the first is the catalog, the last tells of the file.
+  # A file of these objects, each a list of lines: the first is the catalog, the last tells of the file.
   proc pdf_file {objects} {
-    set text "%PDF-1.4\n"
+    set lines [list %PDF-1.4]
+    set size 9
     set places {}
     foreach object $objects {
-      lappend places [format "%010d 00000 n \n" [string length $text]]
-      append text "[llength $places] 0 obj\n$object\nendobj\n"
+      lappend places [format "%010d 00000 n " $size]
+      foreach line [list "[llength $places] 0 obj" {*}$object endobj] {
+        lappend lines $line
+        incr size [expr {[string length $line] + 1}]
+        work::pause 0 1
+      }
     }
     set count [expr {[llength $objects] + 1}]
-    set start [string length $text]
-    append text "xref\n0 $count\n0000000000 65535 f \n[join $places ""]trailer\n<< /Size $count\
-      /Root 1 0 R /Info [llength $objects] 0 R >>\nstartxref\n$start\n%%EOF\n"
+    lappend lines xref "0 $count" "0000000000 65535 f " {*}$places trailer \
+      "<< /Size $count /Root 1 0 R /Info [llength $objects] 0 R >>" startxref $size %%EOF
   }
 
   # A text between quotes, as DOT and JSON have it.
@@ -192,7 +197,7 @@ namespace eval ::tamselbrowser::export {
     return "\"[regsub -all {[\x00-\x1f]} $text ?]\""
   }
 
-  # A drawing as a graph for Graphviz, with all places: neato -n2 keeps them.
+  # A drawing as the lines of a graph for Graphviz, with all places: neato -n2 keeps them.
   proc dot {drawing} {
     if {[dict get $drawing kind] ne "graph"} {error "DOT has dependencies, not block symbols."}
     set lines [list "digraph [quoted [dict get $drawing title]] {" \
@@ -205,6 +210,7 @@ namespace eval ::tamselbrowser::export {
         [quoted [dict get $name name]] [quoted "[dict get $name name]\n[dict get $name type]"] \
         [expr {($left + $right) / 2.0}] [expr {-($top + $bottom) / 2.0}] \
         [expr {($right - $left) / 72.0}] [expr {($bottom - $top) / 72.0}] $fill $edge]
+      work::pause 0 1
     }
     foreach wire [dict get $drawing wires] {
       lassign $wire from to delayed points
@@ -215,23 +221,30 @@ namespace eval ::tamselbrowser::export {
         $delayed ? { style=dashed} : ""}]\]"
       work::pause [llength $lines] [llength [dict get $drawing wires]]
     }
-    join [lappend lines "}" ""] \n
+    lappend lines "}"
   }
 
-  # A drawing as JSON: its title, the names with their places, the wires with their points.
+  # A drawing as the lines of JSON: its title, the names with their places, the wires with their points.
   proc json {drawing} {
-    set names [lmap name [dict get $drawing names] {
-      string cat "{[join [lmap key {name kind type clock} {
+    set lines [list "{\"title\": [quoted [dict get $drawing title]]," "\"names\": \["]
+    set left [llength [dict get $drawing names]]
+    foreach name [dict get $drawing names] {
+      lappend lines "{[join [lmap key {name kind type clock} {
         string cat "\"$key\": [quoted [dict get $name $key]]"
-      }] {, }], \"box\": \[[join [short [dict get $name box]] {, }]\]}"
-    }]
-    set wires [lmap wire [dict get $drawing wires] {
+      }] {, }], \"box\": \[[join [short [dict get $name box]] {, }]\]}[expr {
+        [incr left -1] ? "," : ""}]"
+      work::pause 0 1
+    }
+    lappend lines "\]," "\"wires\": \["
+    set left [llength [dict get $drawing wires]]
+    foreach wire [dict get $drawing wires] {
       lassign $wire from to delayed points
-      string cat "{\"from\": [quoted $from], \"to\": [quoted $to], \"past\":\
-        [expr {$delayed ? "true" : "false"}], \"points\": \[[join [short $points] {, }]\]}"
-    }]
-    return "{\"title\": [quoted [dict get $drawing title]],\n\"names\": \[\n[join $names ,\n]\n\],\n\"wires\":\
-      \[\n[join $wires ,\n]\n\]}\n"
+      lappend lines "{\"from\": [quoted $from], \"to\": [quoted $to], \"past\":\
+        [expr {$delayed ? "true" : "false"}], \"points\": \[[join [short $points] {, }]\]}[expr {
+        [incr left -1] ? "," : ""}]"
+      work::pause 0 1
+    }
+    lappend lines "\]}"
   }
 
   # Runs a program to its end; a task lets others run meanwhile. Fails with what it says where it does.
@@ -287,7 +300,7 @@ namespace eval ::tamselbrowser::export {
   proc write {drawing format path} {
     check $format
     if {$format eq "png"} {return [write_png $drawing $path]}
-    set text [$format $drawing]
+    set lines [$format $drawing]
     set channel [open $path w]
     try {
       if {$format eq "pdf"} {
@@ -295,7 +308,10 @@ namespace eval ::tamselbrowser::export {
       } else {
         fconfigure $channel -encoding utf-8
       }
-      puts -nonewline $channel $text
+      foreach line $lines {
+        puts $channel $line
+        work::pause 0 1
+      }
     } finally {
       close $channel
     }

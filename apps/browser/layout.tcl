@@ -60,7 +60,10 @@ namespace eval ::tamselbrowser::layout {
   # The strongly connected components of a graph: the number of each vertex's component. What reaches
   # back to a vertex, of those that are left before it, is in its component. A task.
   proc components {vertex_count edges} {
-    set before [successors $vertex_count [lmap edge $edges {lreverse [lrange $edge 0 1]}]]
+    set before [successors $vertex_count [lmap edge $edges {
+      work::pause 0 1
+      lreverse [lrange $edge 0 1]
+    }]]
     set count 0
     set component [lrepeat $vertex_count 0]
     foreach root [lreverse [postorder [successors $vertex_count $edges]]] {
@@ -85,6 +88,7 @@ namespace eval ::tamselbrowser::layout {
   proc forward_edges {count edges} {
     set component [components $count $edges]
     set kept [lmap edge $edges {
+      work::pause 0 1
       lassign $edge from to delayed
       if {$from == $to
           || ($delayed && [lindex $component $from] == [lindex $component $to])} continue
@@ -94,6 +98,7 @@ namespace eval ::tamselbrowser::layout {
     set number 0
     foreach vertex [postorder [successors $count $kept]] {lset left $vertex [incr number]}
     lmap edge $kept {
+      work::pause 0 1
       if {[lindex $left [lindex $edge 1]] > [lindex $left [lindex $edge 0]]} continue
       set edge
     }
@@ -356,6 +361,7 @@ namespace eval ::tamselbrowser::layout {
     }
     set shifts [lrepeat [llength $edges] 0]
     dict for {to wires} $arriving {
+      work::pause 0 1
       set count [llength $wires]
       set step [expr {$count > 1 ? min(8.0, 24.0 / ($count - 1)) : 0}]
       set shift [expr {-$step * ($count - 1) / 2.0}]
@@ -447,6 +453,7 @@ namespace eval ::tamselbrowser::layout {
     }
     if {$sizes eq ""} {return {{} {}}}
     set edges [lmap wire $wires {
+      work::pause 0 1
       lassign $wire from to delayed
       list [dict get $number $from] [dict get $number $to] $delayed
     }]
@@ -461,6 +468,7 @@ namespace eval ::tamselbrowser::layout {
       dict set places $name $place
     }
     list $places [lmap wire $wires points [wires $edges $passing $layer $middle $spans] {
+      work::pause 0 1
       list {*}$wire $points
     }]
   }
