@@ -312,8 +312,12 @@ namespace eval ::tamselbrowser::export {
         puts $channel $line
         work::pause 0 1
       }
-    } finally {
       close $channel
+    } on error {result options} {
+      # Half a picture is none, be it that the disk is full or that the user has stopped it.
+      catch {close $channel}
+      file delete $path
+      return -options $options $result
     }
   }
 }
