@@ -78,7 +78,9 @@ namespace eval ::tamselbrowser::figure {
   proc printed {id figure} {
     if {[dict get $figure scope] eq "symbol"} {return [symbol $id]}
     lassign [picture $id $figure] picture
-    if {[dict get $picture items] eq ""} {error "there is nothing to draw"}
+    if {[dict get $picture items] eq ""} {
+      error "neither [dict get $figure name] nor [dict get $figure to] needs the other"
+    }
     drawing::graph [title $id $figure] $picture [dict get $figure chosen]
   }
 

@@ -12,7 +12,7 @@ namespace eval ::tamselbrowser::program {
   variable count 0    ;# programs opened so far
   variable order {}   ;# identifiers of those that are open, in the order of opening
   variable attribute  ;# ID,file; ID,object (its name); ID,process; ID,stamp; ID,state; ID,trouble;
-                      ;# ID,counts; ID,findings; ID,severities
+                      ;# ID,counts; ID,findings; ID,severities; ID,said (1 where a line of Tcl has made it)
   array set attribute {}
   variable takes_special 0  ;# whether files that are no regular ones may be read
   variable most_findings 500
@@ -96,7 +96,7 @@ namespace eval ::tamselbrowser::program {
     variable order
     variable attribute
     forget $id
-    shown::tell command [list rename [its $id object] {}]
+    if {[its $id said] ne ""} {shown::tell command [list rename [its $id object] {}]}
     set order [lsearch -all -inline -not -exact $order $id]
     array unset attribute $id,*
     shown::tell closed $id
@@ -125,11 +125,13 @@ namespace eval ::tamselbrowser::program {
     set done 0
     try {
       if {[its $id process] eq ""} {set_its $id process [answers::begin]}
-      say $id "ecprg [its $id object]; [list [its $id object] load [its $id file]]"
       ask $id [list set p [its $id object]]
       ask $id {if {[info commands $p] eq ""} {ecprg $p}}
       ask $id [list [its $id object] load [its $id file]]
       set_its $id state good trouble {}
+      say $id "[expr {[its $id said] eq "" ? "ecprg [its $id object]; " : ""}][
+        list [its $id object] load [its $id file]]"
+      set_its $id said 1
       count_names $id
       set done 1
     } trap TAMSEL {result options} {
@@ -146,10 +148,10 @@ namespace eval ::tamselbrowser::program {
   proc reload {id} {
     if {![is_good $id]} {return [load $id]}
     set_its $id stamp [stamp [its $id file]] trouble {} findings {}
-    set object [its $id object]
-    say $id [list $object load [its $id file]]
+    set line [list [its $id object] load [its $id file]]
     try {
-      ask $id [list $object load [its $id file]]
+      ask $id $line
+      say $id $line
       count_names $id
     } trap TAMSEL {result options} {
       set_its $id trouble [report::finding $result $options]
@@ -223,8 +225,8 @@ namespace eval ::tamselbrowser::program {
     list tamsel $subcommand [its $id object] {*}$args
   }
 
-  # Shows the user a line of Tcl.
+  # Shows the user a line of Tcl, unless it would fail as there is no program.
   proc say {id line} {
-    shown::tell command $line
+    if {[is_good $id]} {shown::tell command $line}
   }
 }

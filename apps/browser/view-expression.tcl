@@ -17,11 +17,11 @@ namespace eval ::tamselbrowser::view::expression {
         -text [expr {$expression ne "" ? "open a program first" : ""}]
       return
     }
-    if {$said ne [list $id $expression]} {
+    lassign [judge $id $expression] text style
+    if {$style eq "Type.TLabel" && $said ne [list $id $expression]} {
       set said [list $id $expression]
       program::say $id [program::question $id type $expression]
     }
-    lassign [judge $id $expression] text style
     $frame.answer configure -text $text -style $style
   }
 

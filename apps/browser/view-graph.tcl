@@ -154,6 +154,7 @@ namespace eval ::tamselbrowser::view::graph {
     lassign [figure::picture $id $new] its_picture is_whole
     if {[dict get $its_picture items] eq ""} {
       shown::tell status "Neither of the two names needs the other."
+      variable ends {}
       return
     }
     set its_drawing [drawing::graph "" $its_picture ""]
@@ -271,6 +272,7 @@ namespace eval ::tamselbrowser::view::graph {
     work::start say "" [namespace code [list say $id]]
   }
   proc say {id} {
+    if {![program::is_good $id]} return
     program::say $id [figure::question $id [decide $id {}]]
   }
   proc scope_picked {} {

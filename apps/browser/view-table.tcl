@@ -14,6 +14,7 @@ namespace eval ::tamselbrowser::view::table {
   variable sorted_by ""   ;# a column, or "" for the order of declaration
   variable direction -increasing
   variable pattern ""     ;# what the names that are shown are like
+  variable there {}       ;# {PROGRAM IS_ASSERTIONS}, whose rows `rows` has, and whether they are assertions
   variable total 0        ;# rows
   variable first 0        ;# the first one in sight, from 0
   variable at -1          ;# the chosen one, -1 for none
@@ -62,23 +63,28 @@ namespace eval ::tamselbrowser::view::table {
   # Asks for the rows, and shows the first; or, of a new program, those about the chosen name. A task.
   proc list_rows {id} {
     variable frame
+    variable kind
+    variable listed
+    variable there {}
     variable total 0
     variable first 0
     variable at -1
+    set is_assertions [expr {$kind eq "assertion" && $listed eq ""}]
     set total [program::ask $id "set rows \[[line $id]\]; llength \$rows"]
+    set there [list $id $is_assertions]
     set number [expr {$total == 1 ? "1 row" : "$total rows"}]
-    variable listed
     $frame.count configure -text [expr {$listed eq "" ? $number : "[lindex $listed 0]: $number"}]
     find $id [shown::name]
   }
 
-  # Shows the rows from `first` on. A task.
+  # Shows the rows from `first` on, once there are any. A task.
   proc fetch {id} {
-    variable kind
-    variable listed
+    variable there
     variable first
+    lassign $there its_id is_assertions
+    if {$its_id ne $id} return
     set last [expr {$first + [room] - 1}]
-    if {$kind eq "assertion" && $listed eq ""} {
+    if {$is_assertions} {
       show [lmap assertion [program::ask $id "lrange \$rows $first $last"] {
         list [dict get $assertion text] bool [clock_text [dict get $assertion clock]] assertion
       }]
@@ -194,6 +200,7 @@ namespace eval ::tamselbrowser::view::table {
   proc current {id} {
     variable frame
     variable listed {}
+    variable there {}
     variable total 0
     work::cancel table
     work::cancel rows
@@ -224,6 +231,8 @@ namespace eval ::tamselbrowser::view::table {
     variable at
     variable first
     variable total
+    variable there
+    if {[lindex $there 0] ne $id} return
     set at [expr {$name eq "" ? -1 : [program::ask $id "lsearch -exact \$rows [list $name]"]}]
     if {$at >= 0 && ($at < $first || $at >= $first + [room])} {
       set first [expr {max(0, min($at - [room] / 2, $total - [room]))}]
@@ -239,12 +248,13 @@ namespace eval ::tamselbrowser::view::table {
 
   # A row is to be chosen, by its number from 0. A task.
   proc choose {id row} {
-    variable kind
-    variable listed
+    variable there
     variable at
+    lassign $there its_id is_assertions
+    if {$its_id ne $id} return
     set it [program::ask $id "lindex \$rows $row"]
     if {$it eq ""} return
-    if {$kind eq "assertion" && $listed eq ""} {
+    if {$is_assertions} {
       set at $row
       program::say $id [program::question $id assertions]
       shown::tell place [dict get $it line] 0
