@@ -100,7 +100,7 @@ proc state::withdraw {} {
 proc state::remember {} {
     variable folder
     variable known
-    foreach list [concat $folder/known [lsort [glob -nocomplain $folder/records/*]]] {
+    foreach list [list $folder/known {*}[lsort [glob -nocomplain -directory $folder/records *]]] {
         foreach record [read_items $list] {
             if {[lindex $record 1] ne ""} {set known([lindex $record 0]) $record}
         }
