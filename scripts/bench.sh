@@ -47,9 +47,9 @@ measure() {  # NAME SIZE FILTER
 }
 load_fresh() {  # NAME
   for ((i = 0; i < repetitions; ++i)); do
-    $products/bench/bench_core "$results/$1.ec" --once 2>/dev/null
+    $products/bench/bench_core "$results/$1.ec" --once
     $products/bench/plain "$results/$1.ec" || true  # a chain is too deep for it
-  done >"$results/$1-once.csv"
+  done >"$results/$1-once.csv" 2>/dev/null
 }
 
 measure_all() {

@@ -111,6 +111,7 @@ browser() {  # DPI [WINDOW-MANAGER [PRESET]]
   read -r display </tmp/number
   export TAMSEL_TEST_DISPLAY=:$display
   if [[ -n ${2:-} ]]; then
+    echo RandomPlacement >~/.twmrc  # where it would wait for a click
     DISPLAY=:$display "$2" >/dev/null 2>&1 &
     sleep 2
     kill -0 $!

@@ -57,7 +57,8 @@ if ((EUID != 0)); then
   sudo -n true 2>/dev/null || fail "these packages are missing: ${missing[*]}" \
     "install them as root, then try again: apt-get install ${missing[*]}"
 fi
-apt_get=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive
+# Scripts of packages do not take every TMPDIR.
+apt_get=("${as_root[@]}" env -u TMPDIR DEBIAN_FRONTEND=noninteractive
   apt-get -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3 -y)
 
 echo "setup: installing ${missing[*]}"
