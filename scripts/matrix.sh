@@ -111,7 +111,8 @@ browser() {  # DPI [WINDOW-MANAGER [PRESET]]
   read -r display </tmp/number
   export TAMSEL_TEST_DISPLAY=:$display
   if [[ -n ${2:-} ]]; then
-    echo RandomPlacement >~/.twmrc  # where it would wait for a click
+    # Where it would wait for a click.
+    [[ $2 != twm ]] || cat /etc/X11/twm/system.twmrc - >~/.twmrc <<<RandomPlacement
     DISPLAY=:$display "$2" >/dev/null 2>&1 &
     sleep 2
     kill -0 $!
