@@ -137,7 +137,7 @@ foreach {what goal measured} {
 dict for {what values} $commands {
     row $what [switch -glob $what {
         check* {string cat 0.5} names* {string cat 4.0} definition* {string cat 1.0} JSON* {string cat 2.0}
-        users* {string cat 2.0} building* {string cat 1.0} *minimal* {string cat 1.15} exp,* {string cat 1.3} default {string cat -}
+        users* {string cat 2.0} building* {string cat 1.0} *minimal* {string cat 1.1} exp,* {string cat 1.3} default {string cat -}
     }] \
         %.2f $values
 }
