@@ -8,6 +8,7 @@
 #define FOUNDATION_INTLIST_H
 
 #include <cstddef>
+#include <iterator>
 #include <vector>
 
 class IntList {
@@ -76,12 +77,19 @@ class IntListRange {
  public:
   class Iterator {
    public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = int;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const int*;
+    using reference = int;
+
     explicit Iterator(const IntList* cell) : cell_(cell) {}
     int operator*() const { return cell_->value; }
     Iterator& operator++() {
       cell_ = cell_->next;
       return *this;
     }
+    bool operator==(const Iterator& other) const { return cell_ == other.cell_; }
     bool operator!=(const Iterator& other) const { return cell_ != other.cell_; }
 
    private:

@@ -56,6 +56,7 @@ class TypeChecker : public ExpVisitor {
 
   EcPrg* prg_;
   bool failed_ = false;
+  std::vector<int> members_;  // of the tuple that is looked at; kept for the next one
 };
 
 EcType* TypeChecker::typed(Exp* exp) {
@@ -119,9 +120,9 @@ bool TypeChecker::is_member(Exp* tuple, int place) {
 EcType* TypeChecker::tuple(Exp* exp) {
   if (exp->nb_args == 0) return if_all_good(false, nullptr, nodekey(exp->nature));
   if (!is_member(exp, exp->nb_args - 1)) return nullptr;
-  std::vector<int> names;
-  for (int i = 0; i < exp->nb_args; ++i) names.push_back(type_of(exp, i)->name);
-  return prg_->define_type(names.data(), static_cast<int>(names.size()));
+  members_.clear();
+  for (int i = 0; i < exp->nb_args; ++i) members_.push_back(type_of(exp, i)->name);
+  return prg_->define_type(members_.data(), exp->nb_args);
 }
 
 EcType* TypeChecker::call(Exp* exp) {

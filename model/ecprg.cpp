@@ -307,14 +307,6 @@ void EcPrg::roll_back(const Mark& mark) {
 
 // --- Types.
 
-bool EcPrg::ByValues::operator()(const IntList* a, const IntList* b) const {
-  while (a != nullptr && b != nullptr && a->value == b->value) {
-    a = a->next;
-    b = b->next;
-  }
-  return b != nullptr && (a == nullptr || a->value < b->value);
-}
-
 EcType* EcPrg::add_type(EcType* type) {
   type->next = types;
   return types = type;
@@ -361,9 +353,11 @@ EcType* EcPrg::define_type(const int* names, int n) {
     return nullptr;
   }
   if (n == 1) return get_named_type(names[0]);
+  const auto known = tuple_types_.find(Members{names, n});
+  if (known != tuple_types_.end()) return known->second;
   auto members = std::make_unique<IntList>(names, n);
   EcType* type = define_type(members.get());
-  if (type->members == members.get()) members.release();
+  members.release();
   return type;
 }
 

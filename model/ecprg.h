@@ -7,6 +7,7 @@
 #ifndef MODEL_ECPRG_H
 #define MODEL_ECPRG_H
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
@@ -306,8 +307,23 @@ class EcPrg {
   IdentInfo* declare(IdentMode mode, ExpNature leaf, int name, EcType* type, int clock);
   Exp* constant(int name, IdentMode mode, EcType* type);
   EcType* add_type(EcType* type);
-  struct ByValues {  // an order of lists
-    bool operator()(const IntList* a, const IntList* b) const;
+  struct Members {  // the types of a tuple, which stand in no list yet
+    const int* begin() const { return names; }
+    const int* end() const { return names + count; }
+
+    const int* names;
+    int count;
+  };
+  struct ByValues {  // an order of lists and members
+    using is_transparent = void;
+    template <class A, class B>
+    bool operator()(const A& a, const B& b) const {
+      const auto one = range(a);
+      const auto other = range(b);
+      return std::lexicographical_compare(one.begin(), one.end(), other.begin(), other.end());
+    }
+    static tamsel::IntListRange range(const IntList* list) { return tamsel::values_of(list); }
+    static Members range(const Members& members) { return members; }
   };
   struct Dialect;  // what the texts of a program differ in; the writers know it
   class Printer;
