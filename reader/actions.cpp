@@ -13,18 +13,18 @@ Reader& thread_reader() {
 
 // The result of `action`, or null or 0 when memory runs out under it.
 template <class Action>
-auto Reader::attempt(Action action) -> decltype(action()) {
+std::invoke_result_t<Action> Reader::attempt(Action action) {
   try {
     return action();
   } catch (const std::bad_alloc&) {
     out_of_memory = true;
-    return decltype(action())();
+    return std::invoke_result_t<Action>();
   }
 }
 
 // The same for an action whose messages are about what stands at `place`.
 template <class Action>
-auto Reader::attempt_at(EcPosition place, Action action) -> decltype(action()) {
+std::invoke_result_t<Action> Reader::attempt_at(EcPosition place, Action action) {
   struct Place {
     Place(EcPrg* filled, int line) : prg(filled) { prg->message_line = line; }
     ~Place() { prg->message_line = 0; }

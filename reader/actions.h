@@ -6,6 +6,7 @@
 #ifndef READER_ACTIONS_H
 #define READER_ACTIONS_H
 
+#include <type_traits>
 #include <vector>
 
 #include "reader/window.h"
@@ -102,9 +103,9 @@ class Reader : public Scanner {
 
  private:
   template <class Action>
-  auto attempt(Action action) -> decltype(action());
+  std::invoke_result_t<Action> attempt(Action action);
   template <class Action>
-  auto attempt_at(EcPosition place, Action action) -> decltype(action());
+  std::invoke_result_t<Action> attempt_at(EcPosition place, Action action);
   template <class... Operands>
   Exp* node(ExpNature nature, int rank, Operands... operands);
   int fill_window();

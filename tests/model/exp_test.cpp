@@ -31,7 +31,6 @@ TEST(Exp, KeepsAnnotationsByDecreasingKeys) {
   EXPECT_EQ((std::vector<std::pair<int, void*>>{{5, &second}, {4, nullptr}, {3, &third}}), kept);
   for (const int missing : {0, 1, 6}) EXPECT_EQ(nullptr, e.get_ptr_info(missing));
   EXPECT_EQ(0, e.get_int_info(4));
-  EXPECT_EQ(0, e.order());
   for (const int dropped : {4, 6, 3, 5}) e.drop_info(dropped);
   EXPECT_EQ(nullptr, e.infos());
   const int key = take_a_key();
