@@ -1,13 +1,11 @@
-// What holds for all edits of all programs: they leave what a text with the same content loads as,
-// and a refused one leaves everything.
+// Programs that are built by edits are those that their texts load as. tests/tcl/ensemble-edit.test
+// plays the other edits.
 
 #include "editing/editor.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <optional>
-#include <random>
 
 #include "analysis/check.h"
 #include "analysis/expression_text.h"
@@ -30,12 +28,6 @@ class Edited : public LoadedProgram {
     std::vector<std::string> names;
     for (const int symbol : of) names.push_back(name(symbol));
     return names;
-  }
-  std::vector<std::string> declared() {
-    std::vector<std::string> all;
-    for (const NameKind kind : name_kinds)
-      for (const int symbol : prg.declared_names(kind)) all.push_back(name(symbol));
-    return all;
   }
   std::string text(Exp* e) { return ExpressionText().brief(&prg, e); }
 
@@ -150,129 +142,6 @@ void build_again(Edited* from, Edited* to) {
   for (const std::string& each : from->assertions()) EXPECT_TRUE(to->assert_that(each));
 }
 
-// Does random things.
-class Player {
- public:
-  Player(Edited* program, unsigned seed) : program_(*program), random_(seed) {}
-
-  // Whether something has changed.
-  bool step() {
-    switch (below(10)) {
-      case 0:
-        return declare();
-      case 1:
-      case 2:
-      case 3:
-        return define();
-      case 4:
-        return program_.editor.undefine({any_name()});
-      case 5:
-        if (one_in(2)) return assert_or_retract();
-        return substitute();
-      case 6:
-      case 7:
-        return rename();
-      default: {
-        Editor::Names names = {any_name()};
-        while (one_in(2)) names.push_back(any_name());
-        return program_.editor.remove(names);
-      }
-    }
-  }
-
- private:
-  int below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
-  bool one_in(int chances) { return below(chances) == 0; }
-  std::string any_of(const std::vector<std::string>& all) {
-    return all.empty() ? "none" : all[static_cast<size_t>(below(static_cast<int>(all.size())))];
-  }
-  std::string any_name() { return one_in(20) ? new_name() : any_of(program_.declared()); }
-  std::string new_name() {
-    return one_in(10) ? any_of({"when", "3x", "", "nil", "__assert_0", "int"})
-                      : "n" + std::to_string(below(30));
-  }
-  std::string any_expression() {
-    const auto equations = program_.equations();
-    switch (below(6)) {
-      case 0:
-        return any_name();
-      case 1:
-        return std::to_string(below(50)) + (one_in(3) ? ".5" : "");
-      case 2:
-        return any_name() + " + " + std::to_string(below(50));
-      case 3:
-        return "not " + any_name();
-      default:
-        return equations.empty()
-                   ? "true"
-                   : equations[static_cast<size_t>(below(static_cast<int>(equations.size())))]
-                         .second;
-    }
-  }
-
-  bool declare() {
-    const std::string name = new_name();
-    const std::string type = any_of({"int", "bool", any_name()});
-    switch (below(4)) {
-      case 0:
-        return program_.editor.declare_type(
-            name, one_in(2) ? Editor::Names{new_name(), new_name()} : Editor::Names{});
-      case 1:
-        return program_.editor.declare_function(
-            name, {{one_in(2) ? new_name() : "", type}, {"", "int"}}, {{"", "bool"}});
-      default:
-        return program_.editor.declare(name_kinds[below(4)], type, name,
-                                       one_in(4) ? any_name() : "");
-    }
-  }
-
-  bool define() {
-    Editor::Names names = {any_name()};
-    while (one_in(4)) names.push_back(any_name());
-    std::string right = any_expression();
-    if (one_in(2)) {  // one that fits
-      const auto equations = program_.equations();
-      if (!equations.empty()) {
-        const auto& equation =
-            equations[static_cast<size_t>(below(static_cast<int>(equations.size())))];
-        names = equation.first;
-        right = equation.second;
-        if (names.size() > 1 && one_in(2)) names.pop_back();
-      }
-    }
-    return program_.define(names, right);
-  }
-
-  bool assert_or_retract() {
-    const int count = program_.prg.nb_assertions;
-    if (one_in(2)) return program_.assert_that(any_expression());
-    return program_.editor.retract({below(count + 1), below(count + 1)});
-  }
-
-  bool substitute() {
-    std::optional<Draft> value = program_.draft(any_expression());
-    if (!value.has_value()) return false;
-    const Editor::Names in = {any_name(), any_name()};
-    int count = 0;
-    if (one_in(2))
-      return program_.editor.substitute(any_name(), std::move(*value), nullptr, &count);
-    return program_.editor.substitute(any_name(), std::move(*value), &in, &count);
-  }
-
-  bool rename() {
-    std::vector<std::pair<std::string, std::string>> names;
-    do {
-      const std::string old = one_in(10) ? program_.name(program_.prg.name) : any_name();
-      const std::string other = one_in(3) ? any_name() : new_name();
-      names.emplace_back(old, other);
-    } while (one_in(2));
-    return program_.editor.rename(names);
-  }
-
-  Edited& program_;
-  std::mt19937 random_;
-};
-
 std::string generated(unsigned seed) {
   GeneratorOptions options = options_of(seed);
   options.equations = 4 + static_cast<int>(seed % 12);
@@ -289,30 +158,4 @@ TEST(Editor, BuildsEveryProgramAgain) {
     build_again(&program, &again);
     EXPECT_EQ(program.facts(), again.facts());
   }
-}
-
-TEST(Editor, LeavesWhatTheTextLoadsAs) {
-  int done = 0;
-  for (unsigned seed = 1; seed <= 30; ++seed) {
-    Edited program;
-    ASSERT_EQ(0, program.read(generated(seed)));
-    Player player(&program, seed);
-    for (int step = 0; step < 60; ++step) {
-      SCOPED_TRACE(std::to_string(seed) + ", step " + std::to_string(step));
-      const std::string before = program.facts();
-      if (!player.step()) {
-        ASSERT_EQ(before, program.facts()) << program.editor.refusal.message;
-        continue;
-      }
-      ++done;
-      if (program.prg.inputs == nullptr || program.prg.outputs == nullptr) break;
-      Edited loaded;
-      ASSERT_EQ(0, loaded.read(program.source())) << program.source();
-      ASSERT_EQ(loaded.facts(), program.facts());
-    }
-    Edited copy;
-    copy.prg.copy_from(program.prg);
-    EXPECT_EQ(program.facts(), copy.facts());
-  }
-  EXPECT_GT(done, 300);
 }

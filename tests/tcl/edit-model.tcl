@@ -3,7 +3,7 @@
 
 # The calls that make the program of an object, as the questions tell it.
 proc calls_of {p} {
-    set calls {}
+    set calls [list [list node [lindex [$p profile] 0]]]
     set types [tamsel names $p -kind type]
     foreach name [concat [tamsel names $p -kind constant] {{}}] {
         # A type stands before its constants, and what is left of them before all else.
@@ -46,11 +46,13 @@ proc variable_call {p kind name} {
 }
 
 # The EC text of such calls.
-proc text_of {node calls} {
+proc text_of {calls} {
     lassign {} head input output local equations
     foreach call $calls {
         set rest [lassign $call command kind first second]
-        if {$command eq "define"} {
+        if {$command eq "node"} {
+            set node $kind
+        } elseif {$command eq "define"} {
             append equations "[expr {[llength $kind] == 1 ? $kind : "([join $kind ,])"}] = $first;\n"
         } elseif {$command eq "assert"} {
             append equations "assert $kind;\n"
@@ -167,13 +169,18 @@ proc edit_retract {q calls args} {
 
 proc edit_rename {q calls args} {
     set words $args
-    need {[are_distinct [lmap {old -} $args {set old}]] && [are_declared $q [dict keys $words]]}
+    set node [lindex $calls 0 1]
+    need {[are_distinct [lmap {old -} $args {set old}]]}
+    foreach name [dict keys $words] {need {$name eq $node || [are_declared $q [list $name]]}}
     set names [mapped [tamsel names $q] $words]
     need {[are_distinct $names]}
+    # The node goes by a variable's name only where it has been read so.
+    need {$node in [tamsel names $q] || ![dict exists $words $node] || [dict get $words $node] ni $names}
     foreach name [dict values $words] {need {[is_word $name]}}
     list [lmap call $calls {
         set rest [lassign $call command kind]
-        if {$command eq "assert"} {list assert [with_words $kind $words]} \
+        if {$command eq "node"} {list node [mapped [list $kind] $words]} \
+        elseif {$command eq "assert"} {list assert [with_words $kind $words]} \
         elseif {$command eq "define"} {list define [mapped $kind $words] [with_words {*}$rest $words]} \
         elseif {$kind eq "function"} {
             list declare function {*}[mapped [lindex $rest 0] $words] {*}[lmap list [lrange $rest 1 end] {
