@@ -30,9 +30,9 @@ int main(int argc, char* argv[]) {
     return 2;
   }
   for (int i = 0; i < count; ++i) {
-    GeneratorOptions options;
-    options.seed = i + 1;
+    GeneratorOptions options = options_of(static_cast<unsigned>(i) + 1);
     options.equations = 5 + i % 50 * 4;
+    options.expression_size = 10;
     std::ostringstream text;
     write_program(options, text);
 
