@@ -1,3 +1,6 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <climits>
 #include <cstdio>
 
@@ -86,6 +89,19 @@ TEST(Files, MustExist) {
   Program program;
   EXPECT_EQ("EcParse : Can't open file '/no/such'\n",
             stderr_of([&] { EXPECT_EQ(1, EcParse(&program.prg, &program.symbols, "/no/such")); }));
+}
+
+// What is wrong is told before whoever writes has ended.
+TEST(Files, AreReadByWordsWhereTheyMayBeLongInComing) {
+  int ends[2];
+  ASSERT_EQ(0, pipe2(ends, O_NONBLOCK));
+  ASSERT_EQ(12, write(ends[1], "node 12 rest", 12));
+  const File file(fdopen(ends[0], "r"), std::fclose);
+  setvbuf(file.get(), nullptr, _IONBF, 0);
+  Program program;
+  EXPECT_EQ(1, EcParseFile(&program.prg, &program.symbols, file.get()));
+  EXPECT_EQ('r', std::fgetc(file.get()));
+  close(ends[1]);
 }
 
 // What a script of Ctrl-C can do: read a text in the middle of another.
