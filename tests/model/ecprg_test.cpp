@@ -41,6 +41,7 @@ TEST(EcPrg, SaysWhichTypeIsUnknownOrThereTwice) {
   program.prg.add_usr_type(program.symbol("bool"));
   EXPECT_EQ("type 'bool' already declared", program.message());
   EXPECT_EQ(nullptr, program.prg.define_type(nullptr));
+  EXPECT_EQ("EcPrg: a type needs a name", program.message());
 }
 
 TEST(EcType, ReportsQuestionsToTheWrongKind) {
