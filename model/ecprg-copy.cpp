@@ -78,14 +78,11 @@ class EcPrg::Copier {
     for (size_t i = newest_first.size(); i-- > 0;) copy_type(*newest_first[i]);
   }
 
-  // Not that of a type that is gone, or of a tuple with such a member.
+  // Not a type that is gone. A tuple's members need not be declared.
   void copy_type(const EcType& type) {
     if (type.is_tuple) {
       std::vector<int> members;
-      for (const int member : values_of(type.members)) {
-        if (to_.named_type(member) == nullptr) return;
-        members.push_back(member);
-      }
+      for (const int member : values_of(type.members)) members.push_back(member);
       types_[&type] = to_.define_type(members.data(), static_cast<int>(members.size()));
     } else if (from_.named_type(type.name) == &type) {
       EcType* made = to_.named_type(type.name);

@@ -1,6 +1,8 @@
 # The edits of the ensemble `tamsel`, done a second time, on texts: a program is the list of the calls that make it
 # from nothing, each without its object, and an edit makes another list of that.
 
+set variables {input output local constant}
+
 # The calls that make the program of an object, as the questions tell it.
 proc calls_of {p} {
     set calls [list [list node [lindex [$p profile] 0]]]
@@ -72,11 +74,12 @@ proc text_of {calls} {
     return "${head}node $node ([join $input ";\n"]) returns ([join $output ";\n"]);\n${local}let\n${equations}tel"
 }
 
-# The text of an expression with others in the place of some of its names, and how many have been replaced.
+# The text of an expression with others in the place of some of its names, and how many have been replaced. The
+# name of a function has the parenthesis that follows it.
 proc with_words {text words {countVar ""}} {
     if {$countVar ne ""} {upvar 1 $countVar count}
     set start 0
-    foreach place [regexp -all -inline -indices {[0-9][0-9.]*(?:[eE][-+]?[0-9]+)?|[A-Za-z_]\w*} $text] {
+    foreach place [regexp -all -inline -indices {[0-9][0-9.]*(?:[eE][-+]?[0-9]+)?|[A-Za-z_]\w*\(?} $text] {
         set word [string range $text {*}$place]
         if {![dict exists $words $word]} continue
         append result [string range $text $start [lindex $place 0]-1] [dict get $words $word]
@@ -88,6 +91,13 @@ proc with_words {text words {countVar ""}} {
 proc mentions {text names} {
     with_words $text [concat {*}[lmap name $names {list $name $name}]] count
     info exists count
+}
+# Of pairs of words the first of which are declared, those of some kinds; and those that stand in expressions.
+proc words_of {q words kinds} {
+    dict filter $words script {name -} {are_declared $q [list $name] $kinds}
+}
+proc words_inside {q words} {
+    concat [words_of $q $words $::variables] [lmap word [words_of $q $words function] {string cat $word (}]
 }
 proc mapped {names words} {
     lmap name $names {expr {[dict exists $words $name] ? [dict get $words $name] : $name}}
@@ -177,16 +187,23 @@ proc edit_rename {q calls args} {
     # The node goes by a variable's name only where it has been read so.
     need {$node in [tamsel names $q] || ![dict exists $words $node] || [dict get $words $node] ni $names}
     foreach name [dict values $words] {need {[is_word $name]}}
+    set types [words_of $q $words type]
+    set clocks [words_of $q $words $::variables]
+    set inside [words_inside $q $words]
     list [lmap call $calls {
         set rest [lassign $call command kind]
         if {$command eq "node"} {list node [mapped [list $kind] $words]} \
-        elseif {$command eq "assert"} {list assert [with_words $kind $words]} \
-        elseif {$command eq "define"} {list define [mapped $kind $words] [with_words {*}$rest $words]} \
+        elseif {$command eq "assert"} {list assert [with_words $kind $inside]} \
+        elseif {$command eq "define"} {list define [mapped $kind $words] [with_words {*}$rest $inside]} \
+        elseif {$kind eq "type"} {list declare type {*}[mapped $rest $words]} \
         elseif {$kind eq "function"} {
             list declare function {*}[mapped [lindex $rest 0] $words] {*}[lmap list [lrange $rest 1 end] {
-                lmap pair $list {list [lindex $pair 0] [mapped [lindex $pair 1] $words]}
+                lmap pair $list {list [lindex $pair 0] [mapped [lindex $pair 1] $types]}
             }]
-        } else {list declare $kind {*}[mapped $rest $words]}
+        } else {
+            list declare $kind {*}[mapped [lindex $rest 0] $types] {*}[mapped [lindex $rest 1] $words] \
+                {*}[mapped [lrange $rest 2 end] $clocks]
+        }
     }] {}
 }
 
@@ -194,25 +211,28 @@ proc edit_remove {q calls args} {
     need {[are_declared $q $args]}
     set names $args
     foreach name $args {if {[are_declared $q [list $name] type]} {lappend names {*}[values_of $q $name]}}
+    set words [concat {*}[lmap name $names {list $name $name}]]
+    set types [dict keys [words_of $q $words type]]
+    set clocks [dict keys [words_of $q $words $::variables]]
+    set inside [dict keys [words_inside $q $words]]
     list [lmap call $calls {
         set rest [lassign $call command kind first second]
         switch $command {
-            assert {need {![mentions $kind $names]}}
+            assert {need {![mentions $kind $inside]}}
             define {
                 set gone [lmap name $kind {if {$name ni $names} continue; set name}]
                 need {$gone in [list {} $kind]}
                 if {$gone ne {}} continue
-                need {![mentions $first $names]}
+                need {![mentions $first $inside]}
             }
             declare {
                 if {[expr {$kind in {type function} ? $first : $second}] in $names} continue
                 # A type has its values, a function the types of its parameters, a variable its type and its clock.
-                set types [switch $kind {
-                    type {lrange $call 3 end}
-                    function {types_of [list $second {*}$rest]}
-                    default {string cat "$first $rest"}
-                }]
-                need {![mentions $types $names]}
+                need {![switch $kind {
+                    type {mentions [lrange $call 3 end] $names}
+                    function {mentions [types_of [list $second {*}$rest]] $types}
+                    default {expr {$first in $types || [mentions $rest $clocks]}}
+                }]}
             }
         }
         set call
