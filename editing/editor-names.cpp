@@ -89,6 +89,12 @@ bool Editor::declare_type(const std::string& name, const Names& values) {
   if (!check_new_name(name)) return false;
   for (const std::string& each : values)
     if (!check_new_name(each)) return false;
+  std::vector<FuncInfo*> waiting;  // functions of a text that has them before their types
+  if (known(name) != 0) {
+    users().each_user(known(name), Role::type, [&](const User& user) {
+      if (FuncInfo* function = prg_->function(user.symbol)) waiting.push_back(function);
+    });
+  }
   NewSymbols symbols(prg_->symbols);
   const int symbol = symbols.add(name);
   if (values.empty()) {
@@ -102,7 +108,16 @@ bool Editor::declare_type(const std::string& name, const Names& values) {
     prg_->add_usr_type(symbol, &list);
   }
   symbols.keep();
+  for (FuncInfo* function : waiting) {
+    take_lone_type(function->params, &function->param_type);
+    take_lone_type(function->results, &function->result_type);
+  }
   return true;
+}
+
+// Several types are a tuple, whether they are declared or not.
+void Editor::take_lone_type(const IntList* pairs, EcType** type) const noexcept {
+  if (length(pairs) == 2) *type = prg_->named_type(pairs->next->value);
 }
 
 bool Editor::declare_function(const std::string& name, std::vector<Parameter> params,
@@ -161,13 +176,44 @@ bool Editor::declare_function(const std::string& name, std::vector<Parameter> pa
 // --- Other names. A thing keeps its symbol, which gets another text: so everything that mentions
 // it has its new name at once, however much that is.
 
+namespace {
+
+// Which symbols have the texts of others once some are renamed.
+class TextOwners {
+ public:
+  TextOwners(const std::vector<std::pair<int, std::string>>& renamed, NewSymbols* symbols) {
+    for (const auto& each : renamed) {
+      const int wanted = symbols->add(each.second);
+      const int given_up = find(texts_, each.first);
+      give(of(wanted), given_up);
+      give(each.first, wanted);
+    }
+  }
+  int of(int symbol) const { return find(owners_, symbol); }
+
+ private:
+  using Map = std::unordered_map<int, int>;  // without those that keep what they had
+
+  static int find(const Map& map, int key) {
+    const auto found = map.find(key);
+    return found != map.end() ? found->second : key;
+  }
+  void give(int symbol, int text) {
+    texts_[symbol] = text;
+    owners_[text] = symbol;
+  }
+
+  Map texts_, owners_;
+};
+
+}  // namespace
+
 // A mention of a symbol that does not follow the thing that has the symbol: of something that is
 // not declared, or the name of a parameter.
 struct Editor::Foreign {
   User user;
   Role role;
   int symbol;
-  std::string name;
   std::vector<Exp*> calls;  // in the user's expression
 };
 
@@ -177,7 +223,7 @@ std::vector<Editor::Foreign> Editor::foreign_mentions(
   std::vector<Foreign> found;
   const auto look = [&](int symbol, Role role) {
     users().each_user(symbol, role, [&](const User& user) {
-      found.push_back({user, role, symbol, text(symbol), {}});
+      found.push_back({user, role, symbol, {}});
       if (user.kind == User::declaration || role != Role::function) return;
       const IdentInfo* record = prg_->ident(user.symbol);
       Exp* e = user.kind == User::equation ? right_side(record) : record->definition;
@@ -199,6 +245,30 @@ std::vector<Editor::Foreign> Editor::foreign_mentions(
     if (other != 0 && seen.insert(other).second) look_at(other);
   }
   return found;
+}
+
+// A function, and what its types will be.
+struct Editor::Retyped {
+  FuncInfo* function;
+  EcType *param_type, *result_type;
+};
+
+template <class Owners>
+void Editor::retype(int symbol, const Owners& owners, std::vector<Retyped>* retyped) {
+  FuncInfo* function = prg_->function(symbol);
+  if (function == nullptr) return;
+  const auto type_of = [&](const IntList* pairs, EcType* otherwise) {
+    std::vector<int> types;
+    for (; pairs != nullptr; pairs = pairs->next->next) {
+      const int type = pairs->next->value;
+      types.push_back(prg_->named_type(type) != nullptr ? type : owners.of(type));
+    }
+    if (types.empty()) return otherwise;
+    return types.size() == 1 ? prg_->named_type(types[0])
+                             : prg_->define_type(types.data(), static_cast<int>(types.size()));
+  };
+  retyped->push_back({function, type_of(function->params, function->param_type),
+                      type_of(function->results, function->result_type)});
 }
 
 // In a list of pairs, changes their names or their types.
@@ -249,19 +319,26 @@ bool Editor::rename(const std::vector<std::pair<std::string, std::string>>& name
   }
   if (renamed.empty()) return true;
 
+  const bool in_step = is_in_step();
+  const EcPrg::Mark before = prg_->mark();
+  NewSymbols symbols(prg_->symbols);
+  const TextOwners owners(renamed, &symbols);
   const std::vector<Foreign> foreign = foreign_mentions(renamed);
   std::vector<User> changed;
-  for (const Foreign& mention : foreign) changed.push_back(mention.user);
-  const std::string node = text(prg_->name);
-  const bool node_stays = olds.count(prg_->name) == 0;
-  std::unordered_map<int, std::string> told;  // of the names in messages that change hands
-  for (const EcPrg::Message& message : prg_->messages)
-    if (message.name != 0 && olds.count(message.name) == 0 && news.count(text(message.name)) != 0)
-      told.emplace(message.name, text(message.name));
-  const bool in_step = is_in_step();
-  prg_->rename(renamed);
+  std::vector<Retyped> retyped;
+  try {
+    for (const Foreign& mention : foreign) {
+      changed.push_back(mention.user);
+      if (mention.role == Role::type) retype(mention.user.symbol, owners, &retyped);
+    }
+    prg_->rename(renamed);
+  } catch (...) {
+    prg_->roll_back(before);
+    throw;
+  }
+  symbols.keep();
   for (const Foreign& mention : foreign) {
-    const int symbol = known(mention.name);
+    const int symbol = owners.of(mention.symbol);
     if (symbol != mention.symbol) point_elsewhere(mention, symbol);
     prg_->set_retired(symbol, false);
   }
@@ -269,10 +346,13 @@ bool Editor::rename(const std::vector<std::pair<std::string, std::string>>& name
     if (FuncInfo* function = prg_->function(mention.user.symbol))
       for (const bool of_names : {true, false})
         change_pairs(function, of_names, [](int value) { return std::abs(value); });
-  if (node_stays) prg_->name = known(node);
+  for (const Retyped& each : retyped) {
+    each.function->param_type = each.param_type;
+    each.function->result_type = each.result_type;
+  }
+  if (olds.count(prg_->name) == 0) prg_->name = owners.of(prg_->name);
   for (EcPrg::Message& message : prg_->messages)
-    if (const auto other = told.find(message.name); other != told.end())
-      message.name = known(other->second);
+    if (message.name != 0 && olds.count(message.name) == 0) message.name = owners.of(message.name);
   if (!foreign.empty()) ++prg_->revision;
   note_change(in_step, changed, changed);
   return true;

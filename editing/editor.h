@@ -130,6 +130,10 @@ class Editor {
   struct Foreign;
   std::vector<Foreign> foreign_mentions(const std::vector<std::pair<int, std::string>>& renamed);
   void point_elsewhere(const Foreign& mention, int symbol) noexcept;
+  struct Retyped;
+  template <class Owners>
+  void retype(int symbol, const Owners& owners, std::vector<Retyped>* retyped);
+  void take_lone_type(const IntList* pairs, EcType** type) const noexcept;
 
   EcPrg* const prg_;
   OwnNumbers numbers_;
