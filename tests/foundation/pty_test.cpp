@@ -65,6 +65,16 @@ TEST(PtyStream, WritesANameAsAnyText) {
   }
 }
 
+TEST(PtyStream, SharesTheStandardOnes) {
+  const auto put = [](PtyStream* stream) {
+    stream->put(7);
+    stream->put(0.5f);
+    stream->flush();
+  };
+  EXPECT_EQ("70.500000", stdout_text([&] { put(PtyStream::of_stdout()); }));
+  EXPECT_EQ("70.500000", stderr_of([&] { put(PtyStream::of_stderr()); }));
+}
+
 TEST(PieceRun, HoldsFourPiecesOfSixteenCharactersTogether) {
   EXPECT_EQ("1234567890123456", written([](PtyStream* out) {
               out->put(PieceRun({"123456789", "012345", "", "6"}));

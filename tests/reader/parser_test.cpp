@@ -121,6 +121,9 @@ TEST(Files, AreNotDisturbedByATextReadMeanwhile) {
       from.answer = "read";
     if (from.answer.empty()) from.answer = from.other.message();
     EXPECT_EQ(0, yylexInitString(0, "b"));
+    EXPECT_EQ("EcLexTest : the reader is busy\n", stderr_of([&] {
+                EXPECT_EQ(1, EcLexTest(&from.other.symbols, SOURCE_DIR "/README.md"));
+              }));
     *bytes = from.text[from.read++];
     return 1;
   };

@@ -123,7 +123,8 @@ proc are_declared {q names {kinds {input output local constant function type}}} 
 # Of lists of parameters.
 proc types_of {lists} {lmap pair [concat {*}$lists] {lindex $pair end}}
 proc is_word {name} {expr {[regexp {^[A-Za-z_]\w*$} $name] && $name ni {when node int}}}
-proc is_free {q name} {expr {[is_word $name] && $name ni [tamsel names $q]}}
+proc is_new {name} {expr {[is_word $name] && ![regexp {^__assert_\d+$} $name]}}
+proc is_free {q name} {expr {[is_new $name] && $name ni [tamsel names $q]}}
 
 proc edit_declare {q calls kind args} {
     if {$kind eq "type"} {
@@ -131,8 +132,14 @@ proc edit_declare {q calls kind args} {
     } elseif {$kind eq "function"} {
         set names [lrange $args 0 0]
         set types [types_of [lrange $args 1 end]]
+        foreach list [lrange $args 1 end] {
+            set params [lmap pair $list {lindex $pair 0}]
+            need {[are_distinct $params]}
+            foreach name $params {need {[is_word $name]}}
+        }
     } else {
         lassign [list [lrange $args 1 1] [lrange $args 0 0]] names types
+        foreach clock [lrange $args 3 end] {need {[is_word $clock]}}
     }
     need {[are_distinct $names]}
     foreach name $names {need {[is_free $q $name]}}
@@ -186,7 +193,7 @@ proc edit_rename {q calls args} {
     need {[are_distinct $names]}
     # The node goes by a variable's name only where it has been read so.
     need {$node in [tamsel names $q] || ![dict exists $words $node] || [dict get $words $node] ni $names}
-    foreach name [dict values $words] {need {[is_word $name]}}
+    foreach name [dict values $words] {need {[is_new $name]}}
     set types [words_of $q $words type]
     set clocks [words_of $q $words $::variables]
     set inside [words_inside $q $words]

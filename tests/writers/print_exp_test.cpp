@@ -100,6 +100,14 @@ TEST(PrintedExpressions, CoverWhatCallersBuild) {
     };
     for (const Printer print : {&Exp::print, &Exp::print_def}) expect(print, row.report);
     for (const Printer print : {&Exp::Iprint, &Exp::Iprint_def}) expect(print, row.guarded_report);
+    w.ident("o")->definition = row.e;
+    Program copy;
+    copy.prg.copy_from(w.prg);
+    EXPECT_EQ(row.report, stderr_of([&] {
+                EXPECT_EQ(row.printed, written([&](PtyStream* out) {
+                            copy.ident("o")->definition->print(out, &copy.symbols);
+                          }));
+              }));
   }
 }
 

@@ -92,4 +92,9 @@ TEST(PrintedPrograms, ListDeclarationsInThreeWays) {
   EXPECT_EQ("w : bool; ( x : int ) when w", listed(&EcPrg::print_clocked_ident_list));
   EXPECT_EQ("( w : bool ) when true; ( x : int ) when w",
             listed(&EcPrg::print_all_clocked_ident_list));
+  program.prg.add_assertion(program.leaf("w"));
+  EXPECT_EQ("y = x; assert w;", squeezed(written([&](PtyStream* out) {
+              program.prg.print_ident_def(program.prg.outputs, out);
+              program.prg.print_assert_def(out);
+            })));
 }
