@@ -1,7 +1,9 @@
 #include "analysis/json.h"
 
+#include <cstdint>
 #include <cstdio>
-#include <string_view>
+#include <cstring>
+#include <iterator>
 
 #include "analysis/clocks.h"
 #include "analysis/describe.h"
@@ -31,49 +33,88 @@ size_t character_length(std::string_view text) {
   return first == 0xF4 && byte(1) > 0x8F ? 0 : length;
 }
 
+// Whether a character of a string stands for itself, whatever stands around it.
+bool is_plain(char c) { return c >= ' ' && c != '"' && c != '\\'; }
+
+// Whether the eight characters at `text` all do.
+bool are_plain(const char* text) {
+  constexpr uint64_t each = 0x0101010101010101;
+  uint64_t word;
+  std::memcpy(&word, text, sizeof word);
+  // The high bits of the bytes that are none, and maybe of others beside them.
+  const uint64_t others =
+      word | (word - each * ' ') | ((word ^ each * '"') - each) | ((word ^ each * '\\') - each);
+  return (others & each * 0x80) == 0;
+}
+
+// How many such characters `text` begins with.
+size_t plain_length(std::string_view text) {
+  size_t length = 0;
+  while (length + 8 <= text.size() && are_plain(text.data() + length)) length += 8;
+  while (length < text.size() && is_plain(text[length])) ++length;
+  return length;
+}
+
 class JsonWriter {
  public:
-  JsonWriter(EcPrg* prg, std::string* out) : prg_(prg), out_(*out) {}
+  JsonWriter(EcPrg* prg, const std::function<void(std::string_view)>& take)
+      : prg_(prg), take_(take) {}
 
   void write() {
-    put("{\n");
+    begin_members("{\n");
     put_member("node", prg_->symbols->name(prg_->name));
-    put(",\n");
+    begin_members(",\n");
     put_list("names", [this] {
       for (const NameKind kind : name_kinds)
         for (const int symbol : prg_->declared_names(kind)) put_name(symbol, kind);
     });
-    put(",\n");
+    begin_members(",\n");
     put_list("assertions", [this] {
       for (const int symbol : values_of(prg_->assertions)) put_assertion(prg_->ident(symbol));
     });
-    put(",\n");
+    begin_members(",\n");
     put_list("messages", [this] {
       for (const EcPrg::Message& message : prg_->messages) put_message(message);
     });
     put("\n}\n");
+    give_block();
   }
 
  private:
-  void put(std::string_view text) { out_ += text; }
+  // Inline: most pieces are literals, whose copies are a few stores.
+  void put(std::string_view text) {
+    if (text.size() > static_cast<size_t>(std::end(block_) - cursor_)) return put_through(text);
+    std::memcpy(cursor_, text.data(), text.size());
+    cursor_ += text.size();
+  }
+  void put_through(std::string_view text);
+  void give_block() {
+    take_({block_, static_cast<size_t>(cursor_ - block_)});
+    cursor_ = block_;
+  }
   void put_string(std::string_view text);
-  void put_key(const char* key) {
-    if (out_.back() != '{') put(out_.back() == '\n' ? "" : ", ");
-    put("\"");
+  // What stands before members, of which the next is the first on its line.
+  void begin_members(std::string_view opening) {
+    put(opening);
+    is_first_member_ = true;
+  }
+  void put_key(std::string_view key) {
+    put(is_first_member_ ? "\"" : ", \"");
     put(key);
     put("\": ");
+    is_first_member_ = false;
   }
-  void put_member(const char* key, const char* value) {
+  void put_member(std::string_view key, const char* value) {
     put_key(key);
     put_string(value);
   }
-  void put_member(const char* key, int value) {
+  void put_member(std::string_view key, int value) {
     put_key(key);
     put(std::to_string(value));
   }
   // An array of what `put_items` opens by begin_object.
   template <class PutItems>
-  void put_list(const char* key, PutItems put_items) {
+  void put_list(std::string_view key, PutItems put_items) {
     put_key(key);
     put("[\n");
     is_first_ = true;
@@ -81,10 +122,10 @@ class JsonWriter {
     put(is_first_ ? "]" : "\n]");
   }
   void begin_object() {
-    put(is_first_ ? "{" : ",\n{");
+    begin_members(is_first_ ? "{" : ",\n{");
     is_first_ = false;
   }
-  void put_names(const char* key, const std::vector<int>& names) {
+  void put_names(std::string_view key, const std::vector<int>& names) {
     put_key(key);
     put("[");
     for (const int& name : names) {
@@ -93,20 +134,23 @@ class JsonWriter {
     }
     put("]");
   }
-  void put_expression(const char* key, Exp* e) {
+  void put_expression(std::string_view key, Exp* e) {
     put_key(key);
     put_string(text_.brief(prg_, e));
   }
-  void put_parameters(const char* key, const std::vector<Parameter>& parameters);
+  void put_parameters(std::string_view key, const std::vector<Parameter>& parameters);
   void put_name(int symbol, NameKind kind);
   void put_equation(const Description& described);
   void put_assertion(const IdentInfo* assertion);
   void put_message(const EcPrg::Message& message);
 
   EcPrg* prg_;
-  std::string& out_;
+  const std::function<void(std::string_view)>& take_;
   ExpressionText text_;
-  bool is_first_ = true;  // of the items of a list
+  bool is_first_ = true;         // of the items of a list
+  bool is_first_member_ = true;  // of those of an object, or of a line
+  char block_[4096];             // what was not given yet, up to the cursor
+  char* cursor_ = block_;
 };
 
 // The bytes that `text` (not empty) begins with and that are no character, as a number of 16 bits:
@@ -127,12 +171,16 @@ unsigned take_escaped(std::string_view* text) {
   return number;
 }
 
+void JsonWriter::put_through(std::string_view text) {
+  give_block();
+  if (text.size() > sizeof block_) return take_(text);
+  put(text);
+}
+
 void JsonWriter::put_string(std::string_view text) {
   put("\"");
-  const auto is_plain = [](char c) { return c >= ' ' && c != '"' && c != '\\' && c != 0x7F; };
   while (!text.empty()) {
-    size_t plain = 0;
-    while (plain < text.size() && is_plain(text[plain])) ++plain;
+    const size_t plain = plain_length(text);
     put(text.substr(0, plain));
     text.remove_prefix(plain);
     if (text.empty()) break;
@@ -151,11 +199,11 @@ void JsonWriter::put_string(std::string_view text) {
   put("\"");
 }
 
-void JsonWriter::put_parameters(const char* key, const std::vector<Parameter>& parameters) {
+void JsonWriter::put_parameters(std::string_view key, const std::vector<Parameter>& parameters) {
   put_key(key);
   put("[");
   for (const Parameter& parameter : parameters) {
-    put(&parameter != parameters.data() ? ", {" : "{");
+    begin_members(&parameter != parameters.data() ? ", {" : "{");
     put_member("name", parameter.name != 0 ? prg_->symbols->name(parameter.name) : "");
     put_member("type", prg_->symbols->name(parameter.type));
     put("}");
@@ -219,6 +267,12 @@ void JsonWriter::put_message(const EcPrg::Message& message) {
 
 }  // namespace
 
-void write_json(EcPrg* prg, std::string* out) { JsonWriter(prg, out).write(); }
+void write_json(EcPrg* prg, const std::function<void(std::string_view)>& take) {
+  JsonWriter(prg, take).write();
+}
+
+void write_json(EcPrg* prg, std::string* out) {
+  write_json(prg, [out](std::string_view block) { *out += block; });
+}
 
 }  // namespace tamsel

@@ -220,7 +220,7 @@ int Question::assertions() {
   return give(list.get());
 }
 
-int Question::read_program_text(int first, std::string* text) {
+int Question::read_program_text(int first, const std::function<void(std::string_view)>& take) {
   static const Option options[] = {{"-format", true}, {nullptr, false}};
   static const char* const formats[] = {"quarel", "ec", "json", nullptr};
   int format = 0;
@@ -229,21 +229,25 @@ int Question::read_program_text(int first, std::string* text) {
       }) != TCL_OK)
     return TCL_ERROR;
   if (format == 2) {
-    write_json(prg_, text);
+    write_json(prg_, take);
     return TCL_OK;
   }
-  PtyStream out(text, 80, nullptr);
+  std::string text;
+  PtyStream out(&text, 80, nullptr);
   if (format == 0)
     prg_->print_quarel(&out);
   else
     prg_->print_source(&out);
   out.close();
+  take(text);
   return TCL_OK;
 }
 
 int Question::text() {
-  std::string text;
-  return read_program_text(0, &text) == TCL_OK ? give_text(text) : TCL_ERROR;
+  TextValue text;
+  if (read_program_text(0, [&](std::string_view part) { text.add(part); }) != TCL_OK)
+    return TCL_ERROR;
+  return text.is_whole() ? give(text.get()) : refuse_long_text();
 }
 
 int Question::messages() {

@@ -202,7 +202,8 @@ int Question::copy() {
 
 int Question::write() {
   std::string text;
-  if (read_program_text(1, &text) != TCL_OK) return TCL_ERROR;
+  if (read_program_text(1, [&](std::string_view part) { text += part; }) != TCL_OK)
+    return TCL_ERROR;
   const char* name = Tcl_GetString(word(0));
   errno = write_by_name(name, text);
   if (errno == 0) return TCL_OK;

@@ -228,9 +228,12 @@ Tcl_Obj* Question::list_of(const std::vector<Parameter>& parameters) const {
 
 int Question::give_names(const std::vector<int>& names) { return give(list_of(names)); }
 
+int Question::refuse_long_text() {
+  return fail({{"STATE", "SIZE"}}, "the text is longer than a value of Tcl can be");
+}
+
 int Question::give_text(const std::string& text) {
-  if (text.size() > INT_MAX)
-    return fail({{"STATE", "SIZE"}}, "the text is longer than a value of Tcl can be");
+  if (text.size() > INT_MAX) return refuse_long_text();
   return give(Tcl_NewStringObj(text.data(), static_cast<int>(text.size())));
 }
 

@@ -7,9 +7,11 @@
 #define TCL_ENSEMBLE_H
 
 #include <cstring>
+#include <functional>
 #include <iterator>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "analysis/describe.h"
@@ -191,6 +193,7 @@ class Question {
     return TCL_OK;
   }
   int give_expression(Exp* e, ExpressionForm form);
+  int refuse_long_text();
   int give_text(const std::string& text);
   int give_names(const std::vector<int>& names);
 
@@ -199,8 +202,9 @@ class Question {
   Tcl_Obj* list_of(const std::vector<int>& names) const;
   Tcl_Obj* list_of(const std::vector<Parameter>& parameters) const;
   Users& users_of_names() { return object_->program_editor().users(); }
-  // The whole program in the format of the options from word `first` on.
-  int read_program_text(int first, std::string* text);
+  // Hands the whole program to `take`, part by part, in the format of the options from word `first`
+  // on.
+  int read_program_text(int first, const std::function<void(std::string_view)>& take);
 
   // Of words that need not be names yet.
   int read_texts(Tcl_Obj* list, const char* what, std::vector<std::string>* texts);

@@ -2,6 +2,10 @@
 #ifndef TCL_VALUE_H
 #define TCL_VALUE_H
 
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <string_view>
 #include <utility>
 
 #include "tcl/support.h"
@@ -70,6 +74,41 @@ class ListValue {
   Tcl_Obj* first_[room];  // the first items, as long as there is no list
   int count_ = 0;
   Value list_;
+};
+
+// A text that grows at its end. Where memory ends, `add` throws bad_alloc, while Tcl's operations
+// for it end the process.
+class TextValue {
+ public:
+  // What no value can hold is left out.
+  void add(std::string_view text) {
+    is_whole_ = is_whole_ && text.size() <= most - size_;
+    if (!is_whole_) return;
+    const size_t size = size_ + text.size();
+    // Grows where it lies: of a long text the pages move, and no byte.
+    if (size > room_) set_room(std::max(size, std::min(2 * room_, most)));
+    std::memcpy(Tcl_GetString(text_.get()) + size_, text.data(), text.size());
+    size_ = size;
+  }
+  bool is_whole() const { return is_whole_; }
+  // The text; it stays this object's, and takes no more.
+  Tcl_Obj* get() {
+    Tcl_SetObjLength(text_.get(), static_cast<ListSize>(size_));
+    return text_.get();
+  }
+
+ private:
+  static constexpr size_t most = INT_MAX - 1;
+
+  void set_room(size_t size) {
+    if (!Tcl_AttemptSetObjLength(text_.get(), static_cast<ListSize>(size))) throw std::bad_alloc();
+    room_ = size;
+  }
+
+  Value text_{Tcl_NewObj()};
+  size_t size_ = 0;
+  size_t room_ = 0;
+  bool is_whole_ = true;
 };
 
 }  // namespace tamsel
