@@ -7,10 +7,7 @@
 #ifndef FOUNDATION_PTY_H
 #define FOUNDATION_PTY_H
 
-#include <endian.h>
-
 #include <cstdarg>
-#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <initializer_list>
@@ -81,16 +78,11 @@ class PtyStream {
   void put_text(const char* text);
   // The same for a name, of which 8 bytes can be read where it is shorter (see SymbolTable::name).
   void put_name(const char* text) {
-    uint64_t word;
-    std::memcpy(&word, text, sizeof word);
-    word = le64toh(word);
-    // The high bits of bytes that are no characters; the first of them is right.
-    const uint64_t ends = (word - 0x2020202020202020) & ~word & 0x8080808080808080;
-    if (ends == 0 || room_ < sizeof word) return put_text(text);
-    const int length = __builtin_ctzll(ends) / 8;
+    const int length = tamsel::short_length(text);
+    if (length == 8 || room_ < 8) return put_text(text);
     const long long reached = column + static_cast<long long>(length);
     if (length == 0 || text[length] != '\0' || reached >= width) return put_text(text);
-    std::memcpy(cursor_, text, sizeof word);
+    std::memcpy(cursor_, text, 8);
     cursor_ += length;
     room_ -= static_cast<size_t>(length);
     column = static_cast<int>(reached);

@@ -143,6 +143,7 @@ void StringTape::forget_last() {
   char* const s = texts[nb_strings - 1];
   const size_t length = strlen(s);
   index_.remove(nb_strings, key(s));
+  steady = std::min(steady, nb_strings - 1);
   if (counted_ == nb_strings--) {
     const auto bucket = bucket_counts_.find(hash_code(s));
     // One that was given another text may be counted elsewhere.
@@ -156,6 +157,7 @@ void StringTape::forget_last() {
 
 void StringTape::swap(int a, int b) noexcept {
   buckets_.reset();
+  steady = std::min({steady, a - 1, b - 1});
   char*& first = texts[a - 1];
   char*& second = texts[b - 1];
   const TextKey keys[] = {key(first), key(second)};
@@ -176,6 +178,7 @@ void StringTape::replace(int number, const char* s) {
   index_.remove(number, key(text));
   if (place == text) memcpy(place, s, length + 1);
   text = place;
+  steady = std::min(steady, number - 1);
   index_.insert(number, key(s));
 }
 

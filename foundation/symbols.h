@@ -8,6 +8,8 @@
 #ifndef FOUNDATION_SYMBOLS_H
 #define FOUNDATION_SYMBOLS_H
 
+#include <algorithm>
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <deque>
@@ -98,6 +100,7 @@ class StringTape {
   int page_room = 0;            // bytes that are free in the current page
   char* page_cursor = nullptr;  // where the next string goes
   StringArray texts{1000};      // by number
+  int steady = INT_MAX;         // up to this number none was forgotten or got another text
 
  private:
   // All items, so far as they were asked for.
@@ -164,6 +167,10 @@ class SymbolTable {
   const char* name(int number) const {
     return number < 1 || number > nb_symbols ? "?\0\0\0\0\0\0" : (*names)[number - 1];
   }
+
+  // Symbols up to this number have the text that they had from the start. So a text that was copied
+  // while its symbol was among them is good as long as the symbol still is.
+  int steady() const { return std::min(tape->steady, nb_symbols); }
 
   // Prints one line a symbol on standard output, in order of numbers.
   void print();

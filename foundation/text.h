@@ -3,8 +3,12 @@
 #ifndef FOUNDATION_TEXT_H
 #define FOUNDATION_TEXT_H
 
+#include <endian.h>
+
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
 
 // Lets the compiler check the arguments of a printf-style operation: the places of its format and
@@ -35,6 +39,17 @@ float read_float(const char* text);
 constexpr bool is_blank(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 constexpr bool is_digit(int c) { return c >= '0' && c <= '9'; }
 constexpr bool is_letter(int c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z' && c > 0; }
+
+// The place (from 0) of the first byte below a blank among the 8 at `text`, all of which can be
+// read; 8 where there is none. So the length of a short text, unless it has such characters.
+inline int short_length(const char* text) {
+  uint64_t word;
+  std::memcpy(&word, text, sizeof word);
+  word = le64toh(word);
+  // The high bits of such bytes; the first of them is right.
+  const uint64_t ends = (word - 0x2020202020202020) & ~word & 0x8080808080808080;
+  return ends != 0 ? __builtin_ctzll(ends) / 8 : 8;
+}
 
 }  // namespace tamsel
 
