@@ -123,7 +123,10 @@ class EcPrg::Copier {
     made->order = ident.order;
     made->line = ident.line;
     made->equation_line = ident.equation_line;
-    if (ident.ident_exp != nullptr) made->ident_exp = nodes_.leaf(ident.ident_exp);
+    if (ident.ident_exp != nullptr) {
+      made->ident_exp = nodes_.leaf(ident.ident_exp);
+      to_.hold_name(made->ident_exp);
+    }
     if (ident.definition == ident.ident_exp) made->definition = made->ident_exp;
     if (ident.mode == ENUM_CONST_mode && made->type != nullptr && ident.order >= 0 &&
         ident.order < made->type->nb_enum && ident.type->enum_consts[ident.order] == &ident)

@@ -9,7 +9,7 @@ using namespace tamsel;
 // Whatever can throw stands before the first change, in every operation below.
 
 void EcPrg::EcPrgInit(SymbolTable* table) {
-  symbols = table;
+  held_table_ = symbols = table;
   infos = new SymbolInfoArray(200, 0);
   bool_type = define_named_type(symbols->add("bool"));
   int_type = define_named_type(symbols->add("int"));
@@ -48,6 +48,7 @@ std::unique_ptr<IdentInfo> EcPrg::new_ident(IdentMode mode, ExpNature leaf, int 
   info_heap.make_room(under_way + 1);
   prepare_slot(symbol, under_way);
   ident->ident_exp = exp_heap.leaf(leaf, symbol, type, clock);
+  hold_name(ident->ident_exp);
   if (leaf != ECREF_n) ident->definition = ident->ident_exp;
   return ident;
 }

@@ -284,6 +284,15 @@ class EcPrg {
   struct ListOfNames;
   static const ListOfNames lists_of_names[];
 
+  // The leaf of a name holds it as `held_table_` had it when the name was declared. Up to this
+  // symbol it is still called so, in the table that the program has now.
+  int held_names() const { return symbols == held_table_ ? symbols->steady() : 0; }
+  void hold_name(Exp* leaf) {
+    if (leaf->ident <= held_names()) leaf->hold_name(symbols->name(leaf->ident));
+  }
+  // Prints an expression of the program as print_brief or print_def does, without a look at the
+  // table for what leaves hold.
+  void print_own(Exp* e, bool in_brief, PtyStream* out);
   int error_about(int symbol, const char* format);
   // What an equation or assertion says of its right side. A leaf is shared with every other use of
   // its name and keeps what its declaration says.
@@ -330,9 +339,10 @@ class EcPrg {
   class Copier;
   static const Dialect ec, source, quarel;
 
-  SymbolInfoHeap replaced_;           // records of names declared again
-  bool has_repeated_names_ = false;   // in its lists
-  tamsel::IntListIndex indexes_[8];   // by NameList
+  const SymbolTable* held_table_ = nullptr;  // see held_names
+  SymbolInfoHeap replaced_;                  // records of names declared again
+  bool has_repeated_names_ = false;          // in its lists
+  tamsel::IntListIndex indexes_[8];          // by NameList
   std::vector<Parts> parts_;          // by the symbol of the first name, as far as there are some
   std::vector<bool> retired_;         // symbols
   std::vector<int> free_assertions_;  // symbols of assertions that are gone

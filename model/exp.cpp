@@ -4,6 +4,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "model/ecprg.h"
@@ -96,7 +97,7 @@ RareFields::~RareFields() {
   }
 }
 
-Exp::Exp(ExpNature kind, int n, Exp* const* a) : nb_args(n), nature(kind) { add_rare(a); }
+Exp::Exp(ExpNature kind, int n, Exp* const* a) : Exp(kind, n, false, false) { add_rare(a); }
 
 Exp::Exp(ExpNature kind, Exp* a) : Exp(kind, 1, &a) {}
 
@@ -106,7 +107,7 @@ Exp::Exp(ExpNature kind, Exp* a, Exp* b) : Exp(kind, 2, std::array{a, b}.data())
 
 Exp::Exp(ExpNature kind, Exp* a, Exp* b, Exp* c) : Exp(kind, 3, std::array{a, b, c}.data()) {}
 
-Exp::Exp(ExpNature kind, ExpList* list) : nb_args(list->length), nature(kind) {
+Exp::Exp(ExpNature kind, ExpList* list) : Exp(kind, list->length, false, false) {
   std::vector<Exp*> operands;
   for (const ExpList* cell = list; cell != nullptr; cell = cell->next)
     operands.push_back(cell->exp);
@@ -126,7 +127,10 @@ Exp::Exp(ExpNature kind, int n, Exp** a, int* coefficients, int k) : Exp(kind, n
 }
 
 Exp::Exp(ExpNature kind, int symbol, EcType* leaf_type, int leaf_clock)
-    : type(leaf_type), clock(leaf_clock), ident(symbol), nature(kind) {
+    : Exp(kind, 0, false, false) {
+  type = leaf_type;
+  clock = leaf_clock;
+  ident = symbol;
   add_rare(nullptr);
 }
 
@@ -144,6 +148,7 @@ RareFields& Exp::add_rare(Exp* const* operands) {
   std::copy_n(operands, nb_args, fields->args.get());
   if (in_arena_) ++rare_in_arenas;
   has_rare_ = true;
+  held_for_ = 0;
   first_ = reinterpret_cast<Exp*>(fields.release());
   return *rare();
 }
@@ -205,6 +210,14 @@ void ExpHeap::cut_back(const Mark& mark) {
   if (rare_in_arenas > 0) each_in_arena(mark.arena, [](Exp* e) { e->~Exp(); });
   arena_.cut_back(mark.arena);
   size_ = mark.size;
+}
+
+void Exp::hold_name(const char* name) {
+  const int length = short_length(name);
+  if (sizeof first_ < 8 || length == 8 || name[length] != '\0') return;
+  if (nb_args > 0 || has_rare_ || ident <= 0 || ident >= 1 << held_bits) return;
+  std::memcpy(&first_, name, sizeof first_);
+  held_for_ = static_cast<unsigned>(ident);
 }
 
 void Exp::set_order(int rank) {

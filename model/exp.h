@@ -219,6 +219,17 @@ class Exp {
   }
   void set_order(int rank);
 
+  // Has a leaf of a heap hold the name of its `ident`, of which 8 bytes can be read, so that it can
+  // be written without a look at the table. A long name, or of a symbol with a large number, is not
+  // held.
+  void hold_name(const char* name);
+  // The name that it was given to hold for the `ident` that it has now, or null. Whether the symbol
+  // is still called so is for the caller to know. 8 bytes of it can be read.
+  const char* held_name() const {
+    const bool holds_one = ident != 0 && static_cast<int>(held_for_) == ident;
+    return holds_one ? reinterpret_cast<const char*>(&first_) : nullptr;
+  }
+
   // What few nodes have.
   ExpInfo* infos() const { return has_rare_ ? rare()->infos : nullptr; }  // the newest
   // A number for users of the model; 0 until it is set.
@@ -238,10 +249,17 @@ class Exp {
 
  private:
   friend class ExpHeap;
+  Exp(ExpNature kind, int n, bool in_arena, bool is_ranked)
+      : nb_args(n),
+        nature(kind),
+        in_arena_(in_arena),
+        is_ranked_(is_ranked),
+        has_rare_(false),
+        held_for_(0) {}
   // A node in the arena of a heap, with room behind it for its operands and its rank.
   struct InArena {};
   Exp(InArena, ExpNature kind, int n, Exp* const* operands, int rank)
-      : nb_args(n), nature(kind), in_arena_(true), is_ranked_(rank != 0) {
+      : Exp(kind, n, true, rank != 0) {
     for (int i = 0; i < n; ++i) in_place()[i] = operands[i];
     if (is_ranked_) *rank_place() = rank;
   }
@@ -259,11 +277,14 @@ class Exp {
   tamsel::RareFields& add_rare(Exp* const* operands);
   void drop_idle_rare();
 
-  bool in_arena_ = false;
-  bool is_ranked_ = false;  // has a rank behind its operands
-  bool has_rare_ = false;
+  // These fill a word with `nature`.
+  static constexpr int held_bits = 21;
+  bool in_arena_ : 1;
+  bool is_ranked_ : 1;  // has a rank behind its operands
+  bool has_rare_ : 1;
+  unsigned held_for_ : held_bits;  // the symbol whose name it holds; 0: it holds none
   // The first operand, which the others stand behind; or the rare fields, owned, and the operands
-  // with them.
+  // with them; or the characters of the name that a leaf holds, with a 0 behind them.
   Exp* first_ = nullptr;
 };
 static_assert(sizeof(void*) != 8 || sizeof(Exp) == 32, "the fields of a node leave no gaps");

@@ -125,9 +125,15 @@ void* const set_mark = reinterpret_cast<void*>(1);
 
 class ExpPrinter : public ExpVisitor {
  public:
-  // With `by_structure`, the root is written by its structure even where it has a name.
-  ExpPrinter(const ExpNotation& notation, bool by_structure, PtyStream* out, SymbolTable* symbols)
-      : notation_(notation), by_structure_(by_structure), out_(out), symbols_(symbols) {
+  // With `by_structure`, the root is written by its structure even where it has a name. The names
+  // that leaves hold are those in `symbols`, of symbols up to `held_names`.
+  ExpPrinter(const ExpNotation& notation, bool by_structure, PtyStream* out, SymbolTable* symbols,
+             int held_names)
+      : notation_(notation),
+        by_structure_(by_structure),
+        out_(out),
+        symbols_(symbols),
+        held_names_(held_names) {
     if (notation.is_brief) around_.reserve(32);
   }
 
@@ -140,7 +146,7 @@ class ExpPrinter : public ExpVisitor {
       out_->put(layout.open);
       return true;
     }
-    out_->put_name(symbols_->name(exp->ident));
+    out_->put_name(name_of(exp));
     return false;
   }
   void between(Exp* exp, int place) {
@@ -155,6 +161,10 @@ class ExpPrinter : public ExpVisitor {
   }
 
  private:
+  const char* name_of(const Exp* exp) const {
+    const char* held = exp->ident <= held_names_ ? exp->held_name() : nullptr;
+    return held != nullptr ? held : symbols_->name(exp->ident);
+  }
   // A call writes the members of a tuple that it is given as its own arguments, and nothing else.
   static bool takes_tuple(const Exp* exp) {
     return exp != nullptr && exp->nature == CALL_n && exp->nb_args > 0 &&
@@ -223,6 +233,7 @@ class ExpPrinter : public ExpVisitor {
   const Layout* const layouts_ = layouts(notation_.is_brief);
   PtyStream* const out_;
   SymbolTable* const symbols_;
+  const int held_names_;
   std::vector<Neighbours> around_;  // the nodes that are open; of the brief notation alone
 };
 
@@ -322,8 +333,8 @@ void ExpPrinter::leave_node(Exp* exp, Exp* parent) {
 }
 
 void print_with(const ExpNotation& notation, bool by_structure, Exp* exp, PtyStream* out,
-                SymbolTable* symbols) {
-  ExpPrinter printer(notation, by_structure, out, symbols);
+                SymbolTable* symbols, int held_names = 0) {
+  ExpPrinter printer(notation, by_structure, out, symbols, held_names);
   walk(exp, printer);
 }
 
@@ -347,6 +358,10 @@ void Exp::Iprint_def(PtyStream* out, SymbolTable* symbols) {
 
 void Exp::print_brief(PtyStream* out, SymbolTable* symbols) {
   print_with(brief_notation, true, this, out, symbols);
+}
+
+void EcPrg::print_own(Exp* e, bool in_brief, PtyStream* out) {
+  print_with(in_brief ? brief_notation : plain_notation, true, e, out, symbols, held_names());
 }
 
 void EcPrg::print_exp(Exp* e) {

@@ -69,12 +69,7 @@ class EcPrg::Printer {
   void put_constants(const Names& names);
   void put_types_and_constants();
   void put_params(FuncInfo* function, IntList* list, const EcType* type, char prefix);
-  void put_expression(Exp* e) {
-    if (dialect_.reads_back)
-      e->print_brief(out_, symbols_);
-    else
-      e->print_def(out_, symbols_);
-  }
+  void put_expression(Exp* e) { prg_->print_own(e, dialect_.reads_back, out_); }
 
   EcPrg* const prg_;
   SymbolTable* const symbols_;

@@ -37,6 +37,32 @@ TEST(Exp, KeepsAnnotationsByDecreasingKeys) {
   EXPECT_EQ(key + 1, take_a_key());
 }
 
+// Eight bytes of each name can be read.
+TEST(Exp, HoldsAShortNameWhereThereIsRoom) {
+  ExpHeap heap;
+  const auto leaf_that_is_to_hold = [&](int symbol, const char* name) {
+    Exp* leaf = heap.leaf(INPUT_n, symbol, nullptr, -1);
+    leaf->hold_name(name);
+    return leaf;
+  };
+  const int last = (1 << 21) - 1;
+  for (const int symbol : {1, last})
+    EXPECT_STREQ("a_name7", leaf_that_is_to_hold(symbol, "a_name7")->held_name());
+  for (const char* name : {"a_name_8", "a\ttab_in"})
+    EXPECT_EQ(nullptr, leaf_that_is_to_hold(1, name)->held_name());
+  for (const int symbol : {-1, 0, last + 2}) {
+    Exp* leaf = leaf_that_is_to_hold(symbol, "a_name7");
+    EXPECT_EQ(nullptr, leaf->held_name());
+    leaf->ident &= last;
+    EXPECT_EQ(nullptr, leaf->held_name());
+  }
+  Exp* leaf = leaf_that_is_to_hold(1, "operand");
+  Exp* inverse = heap.node(NOT_n, 1, &leaf);
+  inverse->ident = 1;
+  inverse->hold_name("inverse");
+  EXPECT_EQ(leaf, inverse->args()[0]);
+}
+
 TEST(Exp, ReportsQuestionsToTheWrongKind) {
   EXPECT_STREQ("->", opkey(ARROW_n));
   EXPECT_STREQ("", opkey(EXP_NATURES));

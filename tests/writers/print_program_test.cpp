@@ -98,3 +98,47 @@ TEST(PrintedPrograms, ListDeclarationsInThreeWays) {
               program.prg.print_assert_def(out);
             })));
 }
+
+// Leaves hold the names that they had at first, which is not to be seen.
+TEST(PrintedPrograms, CallThingsAsTheTableDoes) {
+  const struct {
+    std::string equation;
+    std::function<void(Program&)> change;
+  } rows[] = {
+      {"long_er = short + long_er", [](Program&) {}},
+      {"long_er = a + long_er",
+       [](Program& p) { p.symbols.swap_names(p.symbol("a"), p.symbol("short")); }},
+      {"long_er = i + long_er", [](Program& p) { p.symbols.replace_name(p.symbol("short"), "i"); }},
+      {"long_er = long_er + long_er",
+       [](Program& p) { p.leaf("short")->ident = p.symbol("long_er"); }},
+      {"long_er = short + long_er", [](Program& p) { p.leaf("short")->put_info(1, &p); }},
+      {"long_er = new + long_er",  // the symbol goes, and its number to another name
+       [](Program& p) {
+         const int known = p.symbols.nb_symbols;
+         p.prg.add_input(p.symbol("gone"), p.prg.int_type, p.prg.true_clock);
+         p.prg.define_ident(p.symbol("long_er"), p.exp("gone + long_er"));
+         p.symbols.cut_back(known);
+         p.symbol("new");
+       }},
+      {"long_er = late + long_er",  // declared before the table had it
+       [](Program& p) {
+         p.prg.add_input(p.symbols.nb_symbols + 1, p.prg.int_type, p.prg.true_clock);
+         p.symbol("late");
+         p.prg.define_ident(p.symbol("long_er"), p.exp("late + long_er"));
+       }},
+      {"s10 = s9 + s10",
+       [](Program& p) {
+         static SymbolTable other;
+         for (int i = 1; i <= p.symbols.nb_symbols; ++i) other.add("s%d", i);
+         p.prg.symbols = &other;
+       }},
+  };
+  for (const auto& row : rows) {
+    Program program(
+        "node n(short : int) returns (long_er : int); let long_er = short + long_er; tel");
+    row.change(program);
+    const std::string text =
+        squeezed(written([&](PtyStream* out) { program.prg.print_source(out); }));
+    EXPECT_NE(std::string::npos, text.find("let " + row.equation + "; tel")) << text;
+  }
+}
