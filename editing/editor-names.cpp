@@ -178,10 +178,12 @@ bool Editor::declare_function(const std::string& name, std::vector<Parameter> pa
 
 namespace {
 
+using Renamed = std::vector<std::pair<int, std::string>>;  // symbols and their new texts
+
 // Which symbols have the texts of others once some are renamed.
 class TextOwners {
  public:
-  TextOwners(const std::vector<std::pair<int, std::string>>& renamed, NewSymbols* symbols) {
+  TextOwners(const Renamed& renamed, NewSymbols* symbols) {
     for (const auto& each : renamed) {
       const int wanted = symbols->add(each.second);
       const int given_up = find(texts_, each.first);
@@ -297,7 +299,7 @@ void Editor::point_elsewhere(const Foreign& mention, int symbol) noexcept {
 }
 
 bool Editor::rename(const std::vector<std::pair<std::string, std::string>>& names) {
-  std::vector<std::pair<int, std::string>> renamed;
+  Renamed renamed;
   std::unordered_set<int> olds;
   std::unordered_set<std::string> news;
   for (const auto& each : names) {
@@ -321,9 +323,11 @@ bool Editor::rename(const std::vector<std::pair<std::string, std::string>>& name
 
   const bool in_step = is_in_step();
   const EcPrg::Mark before = prg_->mark();
-  NewSymbols symbols(prg_->symbols);
-  const TextOwners owners(renamed, &symbols);
   const std::vector<Foreign> foreign = foreign_mentions(renamed);
+  const bool is_plain =
+      foreign.empty() && prg_->messages.empty() && news.count(text(prg_->name)) == 0;
+  NewSymbols symbols(prg_->symbols);
+  const TextOwners owners(is_plain ? Renamed() : renamed, &symbols);
   std::vector<User> changed;
   std::vector<Retyped> retyped;
   try {
