@@ -88,11 +88,6 @@ TEST(SymbolTable, PrintsInOrder) {
       stdout_text([&] { table.print(), table.print_statistics(stdout); }));
 }
 
-TEST(ChunkArray, IsFreedWithoutRecursion) {
-  ChunkArray<int*> chunks(1);
-  EXPECT_EQ(nullptr, chunks[1000000]);
-}
-
 TEST(SymbolTable, IsCutBackToAnEarlierChunk) {
   SymbolTable table;
   for (int i = 1; i <= 4000; ++i) EXPECT_EQ(i, table.add("a_name%d", i));

@@ -44,15 +44,6 @@ TEST(EcPrg, SaysWhichTypeIsUnknownOrThereTwice) {
   EXPECT_EQ("EcPrg: a type needs a name", program.message());
 }
 
-TEST(EcPrg, IsCopiedWithOperandsThatAreMissing) {
-  Program program("node n(a : bool) returns (o : bool); let o = not a; tel"), copy;
-  Exp* operands[] = {nullptr, program.leaf("a"), nullptr};
-  program.ident("o")->definition = program.prg.exp_heap.node(NOR_n, 3, operands);
-  copy.prg.copy_from(program.prg);
-  Exp* const* copied = copy.ident("o")->definition->args();
-  for (const int i : {0, 1, 2}) EXPECT_EQ(i == 1 ? copy.leaf("a") : nullptr, copied[i]) << i;
-}
-
 TEST(EcType, ReportsQuestionsToTheWrongKind) {
   EcType type(1);
   EXPECT_EQ("EcType::member() called on non tuple type\n",

@@ -84,6 +84,7 @@ TEST(PrintedExpressions, CoverWhatCallersBuild) {
       {w.sum({Q(2), Q(1), Q(-1, 2)}, 3), "2*x +y -1/2*(x)+(y) +3"},
       {w.sum({Q(-1), Q(-1), Q(3, 2)}, Q(-1, 2)), "-x -y +3/2*(x)+(y) -1/2"},
       {w.sum(std::vector<int>(), 0), "0"}, {w.sum(std::vector<Q>(), Q(3, 2)), "3/2"},
+      {w.node(XOR_n, static_cast<Exp*>(nullptr), w("a")), "()xor(a)"},
       // clang-format on
       // What cannot be written is left out.
       {w.node(AND_n, w("a"), w.nameless(INPUT_n)), "(a)and()",
