@@ -83,15 +83,31 @@ constexpr WordIndex operation_index(operations, &Operation::word);
 
 static const int followed = TCL_TRACE_RENAME | TCL_TRACE_DELETE;
 
+// Of a full name, the one that a hidden command goes by, and one in the global namespace.
+static const char* bare(const char* full) {
+  return *full != '\0' ? full + std::strlen("::") : full;
+}
+
 // Follows the command's name. Tcl forgets the traces of a command that goes, also in the middle of
 // a rename, when a trace of somebody else has deleted it: what is taken back here is what that
-// rename does not come to.
+// rename does not come to. Such a command may have lost the name that it was to get by now, and
+// still be found under the old one, or be hidden.
 static void follow_command(void* data, Tcl_Interp* interp, const char*, const char*, int flags) {
   EcPrgVar* object = static_cast<EcPrgVar*>(data);
-  object->note_name();
-  if ((flags & TCL_TRACE_DELETE) == 0) return;
-  if (const char* name = object->found_name())
-    Tcl_UntraceCommand(interp, name, followed, follow_command, data);
+  const bool goes = (flags & TCL_TRACE_DELETE) != 0;
+  const char* name = goes ? object->found_name() : nullptr;
+  if (name == nullptr) {
+    object->note_name();
+    if (!goes) return;
+    name = object->found_name();
+  }
+  if (name != nullptr) return object->stop_following(name);
+  show_hidden(interp, bare(Tcl_GetString(object->full_name)),
+              [object](const char* shown_name) { object->stop_following(shown_name); });
+}
+
+void EcPrgVar::stop_following(const char* name) {
+  if (is_found_as(name)) Tcl_UntraceCommand(owner->interp, name, followed, follow_command, this);
 }
 
 EcPrgVar::~EcPrgVar() {
@@ -116,13 +132,14 @@ void EcPrgVar::note_name() {
 // To Tcl, ":::p" is the same as "::p": it finds a command called ":p" by its bare name alone.
 const char* EcPrgVar::found_name() const {
   const char* full = Tcl_GetString(full_name);
-  const char* bare = *full != '\0' ? full + std::strlen("::") : full;
-  for (const char* name : {full, bare}) {
-    Tcl_CmdInfo found;
-    if (Tcl_GetCommandInfo(owner->interp, name, &found) != 0 && found.clientData == this)
-      return name;
-  }
+  for (const char* name : {full, bare(full)})
+    if (is_found_as(name)) return name;
   return nullptr;
+}
+
+bool EcPrgVar::is_found_as(const char* name) const {
+  Tcl_CmdInfo found;
+  return Tcl_GetCommandInfo(owner->interp, name, &found) != 0 && found.clientData == this;
 }
 
 bool EcPrgVar::has_command(const std::vector<void*>& hidden) const {

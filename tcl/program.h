@@ -66,6 +66,9 @@ class EcPrgVar {
   // A name under which Tcl finds the command from where it is now; null where it finds none, or
   // that of another. Valid until the next note_name.
   const char* found_name() const;
+  bool is_found_as(const char* name) const;
+  // Notes no more how the command is called, which goes; nothing where `name` is not it.
+  void stop_following(const char* name);
   // Whether the command is there, under its name or among the `hidden` ones (see hidden_commands).
   // Tcl may throw away a command that a trace has made, without telling its object, and `command`
   // then leads nowhere.

@@ -76,23 +76,30 @@ std::string evaluate_aside(Tcl_Interp* interp, Tcl_Obj* script) {
   return result;
 }
 
-// Tcl does not say what is behind a hidden name. So each is shown under another one while it is
-// asked for, in which no script runs.
-std::vector<void*> hidden_commands(Tcl_Interp* interp) {
+// Tcl does not say what is behind a hidden name, and takes it nowhere. No script runs meanwhile.
+void show_hidden(Tcl_Interp* interp, const char* name,
+                 const std::function<void(const char* shown_name)>& work) {
   static const char shown_name[] = " hidden command";
+  const Tcl_InterpState before = Tcl_SaveInterpState(interp, TCL_OK);
+  if (Tcl_ExposeCommand(interp, name, shown_name) == TCL_OK) {
+    work(shown_name);
+    Tcl_HideCommand(interp, shown_name, name);
+  }
+  Tcl_RestoreInterpState(interp, before);
+}
+
+std::vector<void*> hidden_commands(Tcl_Interp* interp) {
   const std::string list = evaluate_aside(interp, Tcl_NewStringObj("interp hidden {}", -1));
   std::vector<void*> found;
   Tcl_Obj* names = Tcl_NewStringObj(list.c_str(), -1);
   Tcl_IncrRefCount(names);
-  const Tcl_InterpState before = Tcl_SaveInterpState(interp, TCL_OK);
   Tcl_Obj* name;
   for (int i = 0; Tcl_ListObjIndex(nullptr, names, i, &name) == TCL_OK && name != nullptr; ++i) {
-    if (Tcl_ExposeCommand(interp, Tcl_GetString(name), shown_name) != TCL_OK) continue;
-    Tcl_CmdInfo info;
-    if (Tcl_GetCommandInfo(interp, shown_name, &info) != 0) found.push_back(info.clientData);
-    Tcl_HideCommand(interp, shown_name, Tcl_GetString(name));
+    show_hidden(interp, Tcl_GetString(name), [&](const char* shown_name) {
+      Tcl_CmdInfo info;
+      if (Tcl_GetCommandInfo(interp, shown_name, &info) != 0) found.push_back(info.clientData);
+    });
   }
-  Tcl_RestoreInterpState(interp, before);
   Tcl_DecrRefCount(names);
   return found;
 }

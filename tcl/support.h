@@ -7,6 +7,7 @@
 #include <tk.h>
 
 #include <cstdio>
+#include <functional>
 #include <new>
 #include <string>
 #include <vector>
@@ -43,6 +44,11 @@ int deliver_error(Tcl_Interp* interp, const ErrorCode& code, const std::string& 
 // afterwards as before. Returns the result of the script; empty where it failed, or where the
 // interpreter is being deleted and nothing was done.
 std::string evaluate_aside(Tcl_Interp* interp, Tcl_Obj* script);
+
+// Does `work` while the hidden command `name` is shown under another name; nothing where there is
+// none of that name.
+void show_hidden(Tcl_Interp* interp, const char* name,
+                 const std::function<void(const char* shown_name)>& work);
 
 // The client data of the hidden commands. Scripts may run in it.
 std::vector<void*> hidden_commands(Tcl_Interp* interp);
