@@ -11,6 +11,7 @@
 #include "analysis/check.h"
 #include "analysis/describe.h"
 #include "analysis/expression_text.h"
+#include "analysis/json.h"
 #include "analysis/users.h"
 #include "tests/compare.h"
 #include "tests/generator.h"
@@ -135,6 +136,23 @@ TEST(Questions, NeedsAndUsersAreEachOthersInverse) {
       ASSERT_EQ(by_needs, by_users);
     }
   });
+}
+
+TEST(Json, TellsBytesThatAreNoText) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"\xC3\xA9\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF", "\xC3\xA9\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF"},
+      {"\xC3\xE2\x82", "\\u00c3\\u00e2\\u0082"},
+      {"\xED\xA0\x80", "\\ud800"},
+      {"\xE0\x80\x80", "\\u00e0\\u0080\\u0080"},
+      {"\xF4\x90\x80\x80", "\\u00f4\\u0090\\u0080\\u0080"},
+      {"\xC1\xBF\xF0\x80\x80\x80", "\\u00c1\\u00bf\\u00f0\\u0080\\u0080\\u0080"}};
+  for (const auto& [name, told] : rows) {
+    LoadedProgram program;
+    program.prg.name = program.symbols.add_text(name);
+    std::string json;
+    write_json(&program.prg, &json);
+    EXPECT_EQ("{\n\"node\": \"" + std::string(told) + "\"", json.substr(0, json.find(",\n")));
+  }
 }
 
 // The findings that are errors, as a text.
