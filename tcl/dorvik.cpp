@@ -145,28 +145,24 @@ const char* tail_of(const char* name) {
   return name;
 }
 
-// Whether `command`, which was found under `name`, is called so. While it is renamed it is found
-// under its old name as well, which then leads nowhere if it is deleted.
-bool is_called(Tcl_Interp* interp, Tcl_Command command, const char* name) {
+// Deletes the command that a new one called `name` is to replace. Tcl does so by itself, but what a
+// trace on the deletion then puts in its place is thrown away without a call of its delete
+// procedure. False where the command comes back again and again, or is just being renamed: it is
+// found under its old name as well then, which would lead nowhere once it is deleted.
+bool make_way(Tcl_Interp* interp, const char* name) {
   const char* tail = tail_of(name);
   std::string space(name, tail);
   while (!space.empty() && space.back() == ':') space.pop_back();
-  const Tcl_Namespace* its = space.empty() ? Tcl_GetGlobalNamespace(interp)
-                                           : Tcl_FindNamespace(interp, space.c_str(), nullptr, 0);
-  Tcl_CmdInfo info;
-  return std::strcmp(Tcl_GetCommandName(interp, command), tail) == 0 &&
-         Tcl_GetCommandInfoFromToken(command, &info) != 0 && info.namespacePtr == its;
-}
-
-// Deletes the command that a new one called `name` is to replace. Tcl does so by itself, but what a
-// trace on the deletion then puts in its place is thrown away without a call of its delete
-// procedure. False where the command comes back again and again, or is just renamed.
-bool make_way(Tcl_Interp* interp, const char* name) {
   const int scope = std::strstr(name, "::") != nullptr ? TCL_NAMESPACE_ONLY : TCL_GLOBAL_ONLY;
   for (int attempts = 10; attempts > 0; --attempts) {
     Tcl_Command known = Tcl_FindCommand(interp, name, nullptr, scope);
     if (known == nullptr) return true;
-    if (!is_called(interp, known, name)) return false;
+    const Tcl_Namespace* its = space.empty() ? Tcl_GetGlobalNamespace(interp)
+                                             : Tcl_FindNamespace(interp, space.c_str(), nullptr, 0);
+    Tcl_CmdInfo info;
+    if (std::strcmp(Tcl_GetCommandName(interp, known), tail) != 0 ||
+        Tcl_GetCommandInfoFromToken(known, &info) == 0 || info.namespacePtr != its)
+      return false;
     Tcl_DeleteCommandFromToken(interp, known);
   }
   return false;
