@@ -311,7 +311,7 @@ void ExpPrinter::continue_node(Exp* exp, int place) {
   else if (layout.form == ExpForm::integer)
     continue_combination(exp->ints(), place);
   else
-    out_->put(place == 1 ? layout.before_second : layout.before_others);
+    out_->put(layout.before_others);  // of a call
 }
 
 void ExpPrinter::leave_node(Exp* exp, Exp* parent) {

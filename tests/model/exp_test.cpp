@@ -108,4 +108,15 @@ TEST(Exp, StaysWhatItIsUnderAnAnnotation) {
     heap.each([&](Exp*) { ++nodes; });
     EXPECT_EQ(3, nodes);
   }
+  // Neither do other annotations go with one, nor a key or a rank.
+  for (const bool has_key : {false, true}) {
+    e = heap.node(NOT_n, 1, &leaf);
+    has_key ? e->set_key(7) : e->set_order(7);
+    for (const int key : {1, 2}) e->put_info(key, leaf);
+    e->drop_info(1);
+    EXPECT_EQ(leaf, e->get_ptr_info(2));
+    e->drop_info(2);
+    EXPECT_EQ(std::make_tuple(leaf, has_key ? 7 : 0, has_key ? 0 : 7),
+              std::make_tuple(e->args()[0], e->key(), e->order()));
+  }
 }
