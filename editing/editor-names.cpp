@@ -176,12 +176,8 @@ bool Editor::declare_function(const std::string& name, std::vector<Parameter> pa
 // --- Other names. A thing keeps its symbol, which gets another text: so everything that mentions
 // it has its new name at once, however much that is.
 
-namespace {
-
-using Renamed = std::vector<std::pair<int, std::string>>;  // symbols and their new texts
-
 // Which symbols have the texts of others once some are renamed.
-class TextOwners {
+class Editor::TextOwners {
  public:
   TextOwners(const Renamed& renamed, NewSymbols* symbols) {
     for (const auto& each : renamed) {
@@ -208,8 +204,6 @@ class TextOwners {
   Map texts_, owners_;
 };
 
-}  // namespace
-
 // A mention of a symbol that does not follow the thing that has the symbol: of something that is
 // not declared, or the name of a parameter.
 struct Editor::Foreign {
@@ -220,8 +214,7 @@ struct Editor::Foreign {
 };
 
 // Those of all symbols whose texts change hands.
-std::vector<Editor::Foreign> Editor::foreign_mentions(
-    const std::vector<std::pair<int, std::string>>& renamed) {
+std::vector<Editor::Foreign> Editor::foreign_mentions(const Renamed& renamed) {
   std::vector<Foreign> found;
   const auto look = [&](int symbol, Role role) {
     users().each_user(symbol, role, [&](const User& user) {
@@ -255,8 +248,7 @@ struct Editor::Retyped {
   EcType *param_type, *result_type;
 };
 
-template <class Owners>
-void Editor::retype(int symbol, const Owners& owners, std::vector<Retyped>* retyped) {
+void Editor::retype(int symbol, const TextOwners& owners, std::vector<Retyped>* retyped) {
   FuncInfo* function = prg_->function(symbol);
   if (function == nullptr) return;
   const auto type_of = [&](const IntList* pairs, EcType* otherwise) {

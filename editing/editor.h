@@ -127,12 +127,13 @@ class Editor {
   bool check_uses(const Going& going);
   bool check_uses_of(int symbol, Role role, const Going& going);
 
+  using Renamed = std::vector<std::pair<int, std::string>>;  // symbols and their new texts
+  class TextOwners;
   struct Foreign;
-  std::vector<Foreign> foreign_mentions(const std::vector<std::pair<int, std::string>>& renamed);
+  std::vector<Foreign> foreign_mentions(const Renamed& renamed);
   void point_elsewhere(const Foreign& mention, int symbol) noexcept;
   struct Retyped;
-  template <class Owners>
-  void retype(int symbol, const Owners& owners, std::vector<Retyped>* retyped);
+  void retype(int symbol, const TextOwners& owners, std::vector<Retyped>* retyped);
   void take_lone_type(const IntList* pairs, EcType** type) const noexcept;
 
   EcPrg* const prg_;

@@ -81,8 +81,8 @@ class EcPrg::Copier {
   // Not a type that is gone. A tuple's members need not be declared.
   void copy_type(const EcType& type) {
     if (type.is_tuple) {
-      std::vector<int> members;
-      for (const int member : values_of(type.members)) members.push_back(member);
+      const IntListRange names = values_of(type.members);
+      const std::vector<int> members(names.begin(), names.end());
       types_[&type] = to_.define_type(members.data(), static_cast<int>(members.size()));
     } else if (from_.named_type(type.name) == &type) {
       EcType* made = to_.named_type(type.name);
